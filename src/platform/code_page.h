@@ -1,0 +1,39 @@
+// The ANSI code page: the single-byte encoding of menu files, definition
+// tables and profile files.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace nx {
+
+class ICodePage {
+ public:
+  virtual ~ICodePage() = default;
+  virtual unsigned Id() const = 0;
+  virtual std::wstring ToWide(std::string_view bytes) const = 0;
+  // Characters the code page cannot hold become '?'.
+  virtual std::string ToAnsi(std::wstring_view text) const = 0;
+};
+
+// Windows-1250 (Central European) and Windows-1252 (Western) without the
+// operating system, byte for byte as Windows converts them; any other id
+// is treated as 1252.
+class BuiltinCodePage final : public ICodePage {
+ public:
+  explicit BuiltinCodePage(unsigned id = 1252);
+  unsigned Id() const override { return id_; }
+  std::wstring ToWide(std::string_view bytes) const override;
+  std::string ToAnsi(std::wstring_view text) const override;
+
+ private:
+  unsigned id_;
+  const char16_t* high_;  // code points of bytes 0x80..0xFF
+};
+
+// The code page of this system: CP_ACP on Windows, 1252 elsewhere. The
+// object lives for the whole run.
+const ICodePage& SystemCodePage();
+
+}  // namespace nx

@@ -1,0 +1,31 @@
+// Text helpers shared by every part of the program. All texts inside the
+// program are UTF-16 (std::wstring); files and profile calls use the ANSI
+// code page (see code_page.h), and the console and JSON use UTF-8.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace nx {
+
+std::wstring Utf8ToWide(std::string_view utf8);
+std::string WideToUtf8(std::wstring_view text);
+
+// Upper-cases the way names are compared here: Latin, Czech, Slovak and the
+// rest of Latin-1 / Latin Extended-A, Greek and Cyrillic; other characters
+// stay as they are.
+wchar_t UpperChar(wchar_t c);
+std::wstring UpperCase(std::wstring_view text);
+wchar_t LowerChar(wchar_t c);
+std::wstring LowerCase(std::wstring_view text);
+bool EqualsNoCase(std::wstring_view a, std::wstring_view b);
+bool StartsWithNoCase(std::wstring_view text, std::wstring_view prefix);
+
+// Removes leading and trailing spaces (spaces only, as the names typed by
+// users and read from the command line are trimmed).
+std::wstring TrimSpaces(std::wstring_view text);
+
+// Replaces every occurrence of `from` in one left-to-right pass.
+std::wstring ReplaceAll(std::wstring_view text, std::wstring_view from, std::wstring_view to);
+
+}  // namespace nx

@@ -1,0 +1,20 @@
+// IPrompts as real message boxes owned by a window.
+#pragma once
+
+#include <windows.h>
+
+#include "platform/prompts.h"
+
+namespace nx {
+
+class Win32Prompts final : public IPrompts {
+ public:
+  explicit Win32Prompts(HWND owner = nullptr) : owner_(owner) {}
+  void SetOwner(HWND owner) { owner_ = owner; }
+  int Message(const std::wstring& text, unsigned style, const std::wstring& title) override;
+
+ private:
+  HWND owner_;
+};
+
+}  // namespace nx

@@ -1,0 +1,141 @@
+#include <gtest/gtest.h>
+
+#include "platform/profile.h"
+#include "platform/text.h"
+#include "temp_folder.h"
+
+namespace nx {
+namespace {
+
+class ProfileTest : public ::testing::Test {
+ protected:
+  BuiltinCodePage codePage_{1252};
+  PortableProfile profile_{codePage_};
+  test::TempFolder dir_;
+  std::wstring File() const { return dir_.Path(L"test.ini"); }
+};
+
+TEST_F(ProfileTest, ReadsLikeGetPrivateProfileString) {
+  dir_.Write(L"test.ini",
+             "junk before any section\r\n"
+             "[ section1 ]\r\n"
+             "name1=val1\r\n"
+             "name2=\"val2\"\r\n"
+             "name3\r\n"
+             "  spaced   =   value with blanks   \r\n"
+             "empty=\r\n"
+             "single='x'\r\n"
+             "mismatched=\"abc'\r\n"
+             "lonequote=\"\r\n"
+             "; comment=not a key\r\n"
+             "name1=second wins never\r\n"
+             "[Section2]\rcr=only CR\n\nlf=only LF\r\n"
+             "[section1]\r\n"
+             "dup=from duplicate section\r\n"
+             "[NoBreak]\r\n"
+             "last=at end");
+  const struct {
+    const wchar_t *section, *key, *def, *expected;
+  } cases[] = {
+      {L"section1", L"name1", L"d", L"val1"},
+      {L"SECTION1", L"NaMe1", L"d", L"val1"},
+      {L"  section1 ", L" name1 ", L"d", L"val1"},
+      {L"section1", L"name2", L"d", L"val2"},
+      {L"section1", L"name3", L"d", L"d"},
+      {L"section1", L"spaced", L"d", L"value with blanks"},
+      {L"section1", L"empty", L"d", L""},
+      {L"section1", L"single", L"d", L"x"},
+      {L"section1", L"mismatched", L"d", L"\"abc'"},
+      {L"section1", L"lonequote", L"d", L"\""},
+      {L"section1", L"; comment", L"d", L"not a key"},
+      {L"section1", L"dup", L"d", L"d"},
+      {L"section2", L"cr", L"d", L"only CR"},
+      {L"section2", L"lf", L"d", L"only LF"},
+      {L"NoBreak", L"last", L"d", L"at end"},
+      {L"missing", L"name1", L"default  ", L"default"},
+      {L"section1", L"missing", L"", L""},
+      {L"", L"junk before any section", L"d", L"d"},
+      {L"", L"name1", L"d", L"d"},
+      {L"section1", L"", L"d", L"d"},
+      {L"section2", L"", L"d", L"d"},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(profile_.GetString(c.section, c.key, c.def, File()), c.expected)
+        << "[" << WideToUtf8(c.section) << "] " << WideToUtf8(c.key);
+  EXPECT_EQ(profile_.GetString(L"s", L"k", L"fallback", dir_.Path(L"none.ini")), L"fallback");
+}
+
+TEST_F(ProfileTest, TruncatesToTheBuffer) {
+  dir_.Write(L"test.ini", "[s]\r\nlong=" + std::string(2000, 'x') + "\r\nshort=val1\r\n");
+  EXPECT_EQ(profile_.GetString(L"s", L"long", L"", File()).size(), 1023u);
+  EXPECT_EQ(profile_.GetString(L"s", L"short", L"", File(), 4), L"val");
+  EXPECT_EQ(profile_.GetString(L"s", L"short", L"", File(), 1), L"");
+}
+
+TEST_F(ProfileTest, ReadsNumbersLikeGetPrivateProfileInt) {
+  dir_.Write(L"test.ini",
+             "[n]\r\nminus=-1\r\nplus=+1\r\nwrap=4294967296\r\nwrap1=4294967297\r\ntrail=42A94967297\r\n"
+             "lead=B4294967297\r\nhex=0x1F\r\nblank=  7 \r\nempty=\r\nquoted=\"12\"\r\n");
+  const struct {
+    const wchar_t* key;
+    int expected;
+  } cases[] = {{L"minus", -1}, {L"plus", 1},  {L"wrap", 0},  {L"wrap1", 1},   {L"trail", 42},  {L"lead", 0},
+               {L"hex", 31},   {L"blank", 7}, {L"empty", 5}, {L"missing", 5}, {L"quoted", 12}};
+  for (const auto& c : cases) EXPECT_EQ(profile_.GetInt(L"n", c.key, 5, File()), c.expected) << WideToUtf8(c.key);
+}
+
+TEST_F(ProfileTest, WritesOnlyTheLinesItChanges) {
+  using namespace std::string_literals;
+  const struct {
+    std::optional<std::string> before;  // none: no file yet
+    const wchar_t* section;
+    std::optional<std::wstring> key, value;
+    std::string after;
+  } cases[] = {
+      {std::nullopt, L"App", L"key", L"", "[App]\r\nkey=\r\n"},
+      {"; keep me\n[A]\nx = 1\n\n[B]\ny=2\n", L"a", L"X", L"9", "; keep me\n[A]\nX=9\n\n[B]\ny=2\n"},
+      {"[A]\nx=1\n\n[B]\ny=2\n", L"A", L"new", L"v", "[A]\nx=1\nnew=v\r\n\n[B]\ny=2\n"},
+      {"[A]\r\nx=1", L"B", L"k", L"v", "[A]\r\nx=1\r\n[B]\r\nk=v\r\n"},
+      {"[A]\r\nx=1", L"A", L"k", L"v", "[A]\r\nx=1\r\nk=v\r\n"},
+      {"[A]\r\nx=1\r\ny=2\r\n", L"A", L"x", std::nullopt, "[A]\r\ny=2\r\n"},
+      {"[A]\r\nx=1\r\n[B]\r\ny=2\r\n", L"a", std::nullopt, std::nullopt, "[B]\r\ny=2\r\n"},
+      {"[A]\r\nx=1\r\n", L"A", L"gone", std::nullopt, "[A]\r\nx=1\r\n"},
+      {"\0\0[A]\r\nx=1\r\n"s, L"A", L"x", L"2", "\0\0[A]\r\nx=2\r\n"s},
+  };
+  for (const auto& c : cases) {
+    std::filesystem::remove(dir_.Fs() / "w.ini");
+    if (c.before) dir_.Write(L"w.ini", *c.before);
+    ASSERT_TRUE(profile_.WriteString(c.section, c.key, c.value, dir_.Path(L"w.ini")));
+    EXPECT_EQ(dir_.Read(L"w.ini"), c.after) << c.before.value_or("(new file)");
+  }
+}
+
+TEST_F(ProfileTest, ReadsBackWhatItWrote) {
+  ASSERT_TRUE(profile_.WriteString(L"Braille", L"BrailleActive", L"1", File()));
+  ASSERT_TRUE(profile_.WriteString(L"Actions", L"Copy", L"4000000C", File()));
+  ASSERT_TRUE(profile_.WriteString(L"Braille", L"BrailleActive", L"0", File()));
+  EXPECT_EQ(profile_.GetInt(L"braille", L"brailleactive", 7, File()), 0);
+  EXPECT_EQ(profile_.GetString(L"Actions", L"copy", L"", File()), L"4000000C");
+  EXPECT_EQ(dir_.Read(L"test.ini"), "[Braille]\r\nBrailleActive=0\r\n[Actions]\r\nCopy=4000000C\r\n");
+}
+
+TEST_F(ProfileTest, KeepsTheEncodingOfTheFile) {
+  dir_.Write(L"cz.ini", "[Tlačítka]\r\nklíč=žluť\r\n");  // UTF-8 without mark: read as ANSI
+  dir_.Write(L"u8.ini", "\xEF\xBB\xBF[Tlačítka]\r\nklíč=žluť\r\n");
+  EXPECT_EQ(profile_.GetString(L"Tlačítka", L"klíč", L"", dir_.Path(L"u8.ini")), L"žluť");
+  ASSERT_TRUE(profile_.WriteString(L"Tlačítka", L"klíč", L"kůň", dir_.Path(L"u8.ini")));
+  EXPECT_EQ(dir_.Read(L"u8.ini"), "\xEF\xBB\xBF[Tlačítka]\r\nklíč=kůň\r\n");
+
+  BuiltinCodePage central(1250);
+  PortableProfile czech(central);
+  dir_.Write(L"ansi.ini", "[Tla\xE8\xEDtka]\r\nkl\xED\xE8=\x9Elu\x9D\r\n");
+  EXPECT_EQ(czech.GetString(L"TLAČÍTKA", L"KLÍČ", L"", dir_.Path(L"ansi.ini")), L"žluť");
+}
+
+TEST_F(ProfileTest, FailedWriteLeavesTheFileAlone) {
+  EXPECT_FALSE(profile_.WriteString(L"s", L"k", L"v", dir_.Path(L"no such folder\\x.ini")));
+  EXPECT_FALSE(profile_.WriteString(L"s", L"k", L"v", L""));
+}
+
+}  // namespace
+}  // namespace nx

@@ -1,0 +1,62 @@
+#include <gtest/gtest.h>
+
+#include "platform/code_page.h"
+#include "platform/text.h"
+
+namespace nx {
+namespace {
+
+TEST(Text, CaseFoldingCoversCzechSlovakAndLatin1) {
+  const struct {
+    const wchar_t* lower;
+    const wchar_t* upper;
+  } cases[] = {
+      {L"notepad", L"NOTEPAD"},
+      {L"žluťoučký kůň úpěl ďábelské ódy", L"ŽLUŤOUČKÝ KŮŇ ÚPĚL ĎÁBELSKÉ ÓDY"},
+      {L"ľúbostná báseň ôsmich ĺňov", L"ĽÚBOSTNÁ BÁSEŇ ÔSMICH ĹŇOV"},
+      {L"àéîõü ÿ", L"ÀÉÎÕÜ Ÿ"},
+      {L"łódź źdźbło", L"ŁÓDŹ ŹDŹBŁO"},
+      {L"(narrix) 7zip_ver.1", L"(NARRIX) 7ZIP_VER.1"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(UpperCase(c.lower), c.upper) << WideToUtf8(c.lower);
+    EXPECT_EQ(LowerCase(c.upper), c.lower) << WideToUtf8(c.upper);
+    EXPECT_TRUE(EqualsNoCase(c.lower, c.upper));
+  }
+  EXPECT_EQ(UpperCase(L"ß×÷"), L"ß×÷");  // no single upper-case letter
+}
+
+TEST(Text, Utf8RoundTrip) {
+  const std::wstring text = L"Úprava nabídky € ✓";
+  EXPECT_EQ(WideToUtf8(text), "\xC3\x9Aprava nab\xC3\xAD" "dky \xE2\x82\xAC \xE2\x9C\x93");
+  EXPECT_EQ(Utf8ToWide(WideToUtf8(text)), text);
+}
+
+TEST(Text, ReplaceAllIsOnePass) {
+  EXPECT_EQ(ReplaceAll(L"Menu - %1", L"%1", L"%1%1"), L"Menu - %1%1");
+  EXPECT_EQ(ReplaceAll(L"%1 and %1", L"%1", L"x"), L"x and x");
+  EXPECT_EQ(TrimSpaces(L"  a b  "), L"a b");
+  EXPECT_EQ(TrimSpaces(L"\ta\t"), L"\ta\t");
+}
+
+TEST(CodePage, BuiltinTablesMapEveryByteBothWays) {
+  for (unsigned id : {1250u, 1252u}) {
+    BuiltinCodePage page(id);
+    std::string all;
+    for (int b = 0; b < 256; ++b) all += static_cast<char>(b);
+    const std::wstring wide = page.ToWide(all);
+    ASSERT_EQ(wide.size(), 256u);
+    EXPECT_EQ(page.ToAnsi(wide), all) << id;
+  }
+}
+
+TEST(CodePage, KnownLetters) {
+  BuiltinCodePage cz(1250), west(1252);
+  EXPECT_EQ(cz.ToWide("\xE8\xF8\x9A\x9E\xEC\xF9"), L"čřšžěů");
+  EXPECT_EQ(cz.ToAnsi(L"Úprava nabídky"), "\xDA" "prava nab\xED" "dky");
+  EXPECT_EQ(west.ToWide("\x80\xE9\x9F"), L"€éŸ");
+  EXPECT_EQ(west.ToAnsi(L"ř"), "?");
+}
+
+}  // namespace
+}  // namespace nx
