@@ -1,0 +1,94 @@
+#include "startup/narrix_info.h"
+
+#include <utility>
+
+#include "platform/text.h"
+#include "startup/file_helpers.h"
+#include "startup/settings.h"
+
+namespace nx {
+
+cNarrixInfo::cNarrixInfo(IRegistry& registry, std::wstring exeFolder)
+    : registry_(registry), exeFolder_(std::move(exeFolder)) {}
+
+void cNarrixInfo::Inicialize(void* form) {
+  frmMain_ = form;
+  dirVelkor_ = Product(L"Path", L"");
+  if (dirVelkor_.empty()) dirVelkor_ = exeFolder_;
+  if (!dirVelkor_.empty() && dirVelkor_.back() == L'\\') dirVelkor_.pop_back();
+  dirNx_ = Product(L"NxPath", dirVelkor_);
+  // ExitDirect belongs to the maker's key, not to the product's.
+  exitDirect_ = GetRegBool(registry_, kMakerKey, L"", L"ExitDirect", false);
+  srFlag_ = GetRegBool(registry_, kProductKey, L"", L"ScreenReaderFlag", true);
+  setFolderName_ = L"Set";
+  soundFolderName_ = L"Sound";
+}
+
+std::wstring cNarrixInfo::Product(const std::wstring& valueName, const std::wstring& def) const {
+  return GetRegValue(registry_, kProductKey, L"", valueName, def);
+}
+
+std::wstring cNarrixInfo::DirSet() const { return JoinPath(dirVelkor_, setFolderName_); }
+std::wstring cNarrixInfo::DirSound() const { return JoinPath(dirVelkor_, soundFolderName_); }
+
+std::wstring cNarrixInfo::FileNameWork() const {
+  const std::wstring documents =
+      GetRegValue(registry_, L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders", L"",
+                  L"Personal", L"");
+  const std::wstring path = JoinPath(documents, Product(L"FileTemp", L"Work\\Info.txt"));
+  MakePath(FolderOf(path));
+  return path;
+}
+
+std::wstring cNarrixInfo::AppViewer() const { return Product(L"AppViever", L"notepad %1"); }
+std::wstring cNarrixInfo::AppHelpViewer() const {
+  return Product(L"AppHelpViever", L"c:\\Program Files\\Internet Explorer\\IEXPLORE.EXE \"%1\"");
+}
+std::wstring cNarrixInfo::AppEditor() const { return Product(L"AppEditor", L"notepad %1"); }
+std::wstring cNarrixInfo::AppClipboardViewer() const {
+  return Product(L"AppClipboardViewer", L"c:\\Velkor98\\parlo.exe /CB");
+}
+
+std::wstring cNarrixInfo::FileNameHelp(const std::wstring& topic) const {
+  return JoinPath(dirVelkor_, ReplaceAll(Product(L"FileHelp", L"Help\\%1.htm"), L"%1", topic));
+}
+
+unsigned cNarrixInfo::GetLogFilter() const {
+  static const wchar_t* const kNames[] = {L"LogFocus", L"LogKey",    L"LogText",  L"LogBmp",
+                                          L"LogDef",   L"LogOkoExp", L"LogToFile", L"LogToDbgView"};
+  unsigned flags = 0;
+  for (unsigned i = 0; i < 8; ++i)
+    if (GetRegBool(registry_, kProductKey, L"", kNames[i], true)) flags |= 1u << i;
+  return flags;
+}
+
+long cNarrixInfo::LensBufferSize(const std::wstring& formName) const {
+  return GetRegNumber(registry_, kProductKey, formName, L"BufferSize", 10);
+}
+long cNarrixInfo::VideoBufferSize() const { return GetRegNumber(registry_, kProductKey, L"", L"VideoBufferSize", 8); }
+long cNarrixInfo::TextMaxLen() const { return GetRegNumber(registry_, kProductKey, L"", L"TextMaxLen", 3000); }
+
+bool cNarrixInfo::FormVisibility(const std::wstring& formName) const {
+  return GetRegBool(registry_, kProductKey, formName, L"Is Visible", false);
+}
+void cNarrixInfo::FormVisibilitySave(const std::wstring& formName, bool visible) {
+  SetRegValue(registry_, kProductKey, formName, L"Is Visible", visible ? L"1" : L"0");
+}
+
+FormPosition cNarrixInfo::FormPositionLoad(const std::wstring& formName, const FormPosition& current) const {
+  FormPosition p;
+  p.left = GetRegNumber(registry_, kProductKey, formName, L"Left", current.left);
+  p.top = GetRegNumber(registry_, kProductKey, formName, L"Top", current.top);
+  p.width = GetRegNumber(registry_, kProductKey, formName, L"Width", current.width);
+  p.height = GetRegNumber(registry_, kProductKey, formName, L"Height", current.height);
+  return p;
+}
+
+void cNarrixInfo::FormPositionSave(const std::wstring& formName, const FormPosition& p) {
+  SetRegValue(registry_, kProductKey, formName, L"Left", std::to_wstring(p.left));
+  SetRegValue(registry_, kProductKey, formName, L"Top", std::to_wstring(p.top));
+  SetRegValue(registry_, kProductKey, formName, L"Width", std::to_wstring(p.width));
+  SetRegValue(registry_, kProductKey, formName, L"Height", std::to_wstring(p.height));
+}
+
+}  // namespace nx

@@ -1,0 +1,36 @@
+// The program's texts by string-table id, in the language of the user
+// interface (English, Czech, or Slovak which carries the Czech texts).
+#pragma once
+
+#include <string>
+
+namespace nx {
+
+// The text of `id`, or "" when the id is missing; never fails. "%1" in the
+// text is left for the caller to replace.
+std::wstring LoadResText(int id);
+
+// The same text with every "%1" replaced by `arg`.
+std::wstring LoadResText(int id, const std::wstring& arg);
+
+enum class UiLanguage { English, Czech };
+
+struct StringEntry {
+  int id;
+  const wchar_t* english;
+  const wchar_t* czech;
+};
+
+// Every entry of the table, in id order, as compiled into the program.
+const StringEntry* StringTableBegin();
+const StringEntry* StringTableEnd();
+
+// Without Windows the language comes from LC_ALL, LC_MESSAGES or LANG
+// ("cs" and "sk" give Czech) unless set here; on Windows the resource
+// lookup picks it and this has no effect.
+void SetUiLanguage(UiLanguage language);
+
+// The text of `id` in `language` from the compiled-in table, "" if missing.
+std::wstring TableText(int id, UiLanguage language);
+
+}  // namespace nx

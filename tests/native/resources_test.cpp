@@ -1,0 +1,100 @@
+// Keyboard access of the windows: every input control has its label directly
+// before it, and no two captions of one window share an access key in any
+// language.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <vector>
+
+#include "platform/text.h"
+#include "startup/string_table.h"
+
+namespace nx {
+namespace {
+
+struct Control {
+  std::string kind, caption;
+};
+
+// The controls of each dialog template of the resource script, in order.
+std::map<std::string, std::vector<Control>> ReadDialogs() {
+  std::ifstream in(NX_SOURCE_DIR "/resources/narrixmenu.rc");
+  std::map<std::string, std::vector<Control>> dialogs;
+  std::string line, current;
+  bool inBody = false;
+  while (std::getline(in, line)) {
+    std::istringstream words(line);
+    std::string first, second;
+    words >> first >> second;
+    if (second == "DIALOGEX" || second == "DIALOG") {
+      current = first;
+      dialogs[current];
+    } else if (!current.empty() && first == "BEGIN") {
+      inBody = true;
+    } else if (!current.empty() && first == "END") {
+      inBody = false;
+      current.clear();
+    } else if (inBody && !first.empty()) {
+      Control control{first, ""};
+      const size_t open = line.find('"');
+      if (open != std::string::npos) control.caption = line.substr(open + 1, line.find('"', open + 1) - open - 1);
+      dialogs[current].push_back(control);
+    }
+  }
+  return dialogs;
+}
+
+wchar_t AccessKey(const std::wstring& caption) {
+  for (size_t i = 0; i + 1 < caption.size(); ++i) {
+    if (caption[i] != L'&') continue;
+    if (caption[i + 1] != L'&') return UpperChar(caption[i + 1]);
+    ++i;
+  }
+  return 0;
+}
+
+// The string-table texts each window puts on its controls when it loads.
+const std::map<std::string, std::vector<int>> kCaptionIds = {
+    {"IDD_APPSELECT", {502, 503, 101}},
+};
+
+TEST(Resources, InputControlsHaveALabelDirectlyBefore) {
+  const auto dialogs = ReadDialogs();
+  ASSERT_FALSE(dialogs.empty());
+  for (const auto& [name, controls] : dialogs) {
+    for (size_t i = 0; i < controls.size(); ++i) {
+      const std::string& kind = controls[i].kind;
+      if (kind == "LISTBOX" || kind == "EDITTEXT" || kind == "COMBOBOX" || kind == "CONTROL") {
+        ASSERT_GT(i, 0u) << name << ": " << kind << " has no label";
+        EXPECT_EQ(controls[i - 1].kind, "LTEXT") << name << ": " << kind << " is not labelled";
+      }
+    }
+  }
+}
+
+TEST(Resources, AccessKeysAreUniqueInEveryLanguage) {
+  const auto dialogs = ReadDialogs();
+  for (const auto& [dialog, ids] : kCaptionIds) {
+    ASSERT_TRUE(dialogs.count(dialog)) << dialog;
+    for (UiLanguage language : {UiLanguage::English, UiLanguage::Czech}) {
+      std::map<wchar_t, std::wstring> seen;
+      std::vector<std::wstring> captions;
+      for (int id : ids) captions.push_back(TableText(id, language));
+      for (const auto& control : dialogs.at(dialog)) captions.push_back(Utf8ToWide(control.caption));
+      for (const auto& caption : captions) {
+        const wchar_t key = AccessKey(caption);
+        if (!key) continue;
+        EXPECT_FALSE(seen.count(key)) << dialog << ": \"" << WideToUtf8(caption) << "\" and \""
+                                      << WideToUtf8(seen[key]) << "\" share an access key";
+        seen[key] = caption;
+      }
+      // The list's label must carry an access key, or the list cannot be reached directly.
+      EXPECT_NE(AccessKey(TableText(ids.front(), language)), 0) << dialog;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace nx
