@@ -1,0 +1,133 @@
+#include "applist/app_select_window.h"
+
+#include "resource.h"
+
+namespace nx {
+
+AppSelectWindow::AppSelectWindow(HINSTANCE instance, cNarrixInfo& info, IMenuEditorEntry* editor)
+    : instance_(instance), logic_(*this, prompts_, info, editor) {}
+
+bool AppSelectWindow::Create() {
+  loading_ = true;
+  CreateDialogParamW(instance_, MAKEINTRESOURCEW(IDD_APPSELECT), nullptr, &AppSelectWindow::DialogProc,
+                     reinterpret_cast<LPARAM>(this));
+  loading_ = false;
+  if (hwnd_ && logic_.Ended()) {
+    DestroyWindow(hwnd_);
+    hwnd_ = nullptr;
+  }
+  return hwnd_ != nullptr;
+}
+
+void AppSelectWindow::Show() {
+  ShowWindow(hwnd_, SW_SHOW);
+  SetForegroundWindow(hwnd_);
+  SendMessageW(hwnd_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(List()), TRUE);
+}
+
+bool AppSelectWindow::PreTranslateMessage(MSG& msg) {
+  return hwnd_ && IsDialogMessageW(hwnd_, &msg);
+}
+
+INT_PTR CALLBACK AppSelectWindow::DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+  AppSelectWindow* self = nullptr;
+  if (message == WM_INITDIALOG) {
+    self = reinterpret_cast<AppSelectWindow*>(lParam);
+    self->hwnd_ = hwnd;
+    SetWindowLongPtrW(hwnd, DWLP_USER, lParam);
+  } else {
+    self = reinterpret_cast<AppSelectWindow*>(GetWindowLongPtrW(hwnd, DWLP_USER));
+  }
+  if (!self) return FALSE;
+  // Nothing may unwind through Windows: a failure ends this one message.
+  try {
+    return self->OnMessage(message, wParam, lParam);
+  } catch (...) {
+    return FALSE;
+  }
+}
+
+INT_PTR AppSelectWindow::OnMessage(UINT message, WPARAM wParam, LPARAM) {
+  switch (message) {
+    case WM_INITDIALOG:
+      prompts_.SetOwner(hwnd_);
+      logic_.Form_Load(this);
+      return TRUE;
+    case WM_COMMAND:
+      OnCommand(LOWORD(wParam), HIWORD(wParam));
+      return TRUE;
+    case WM_DESTROY:
+      SetWindowLongPtrW(hwnd_, DWLP_USER, 0);
+      hwnd_ = nullptr;
+      PostQuitMessage(0);
+      return TRUE;
+    default:
+      return FALSE;
+  }
+}
+
+void AppSelectWindow::OnCommand(int id, int code) {
+  switch (id) {
+    case IDOK:
+      logic_.cmdOK_Click();
+      break;
+    case IDCANCEL:
+      logic_.cmdCANCEL_Click();
+      break;
+    case IDC_LST_APPLICATION:
+      if (code == LBN_SELCHANGE) logic_.lstApplication_Click();
+      if (code == LBN_DBLCLK) logic_.lstApplication_DblClick();
+      break;
+    default:
+      break;
+  }
+}
+
+void AppSelectWindow::SetText(AppSelectText what, const std::wstring& text) {
+  switch (what) {
+    case AppSelectText::Window:
+      SetWindowTextW(hwnd_, text.c_str());
+      break;
+    case AppSelectText::ListLabel:
+      SetDlgItemTextW(hwnd_, IDC_LBL_APPLIST, text.c_str());
+      break;
+    case AppSelectText::Ok:
+      SetDlgItemTextW(hwnd_, IDOK, text.c_str());
+      break;
+    case AppSelectText::Cancel:
+      SetDlgItemTextW(hwnd_, IDCANCEL, text.c_str());
+      break;
+  }
+}
+
+HWND AppSelectWindow::List() const { return GetDlgItem(hwnd_, IDC_LST_APPLICATION); }
+
+void AppSelectWindow::ClearList() { SendMessageW(List(), LB_RESETCONTENT, 0, 0); }
+
+void AppSelectWindow::AddListEntry(const std::wstring& text) {
+  SendMessageW(List(), LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+int AppSelectWindow::ListCount() const { return static_cast<int>(SendMessageW(List(), LB_GETCOUNT, 0, 0)); }
+
+std::wstring AppSelectWindow::ListEntry(int index) const {
+  const LRESULT length = SendMessageW(List(), LB_GETTEXTLEN, static_cast<WPARAM>(index), 0);
+  if (length == LB_ERR) return {};
+  std::wstring text(static_cast<size_t>(length) + 1, L'\0');
+  SendMessageW(List(), LB_GETTEXT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(text.data()));
+  text.resize(static_cast<size_t>(length));
+  return text;
+}
+
+int AppSelectWindow::SelectedIndex() const { return static_cast<int>(SendMessageW(List(), LB_GETCURSEL, 0, 0)); }
+
+void AppSelectWindow::SelectEntry(int index) { SendMessageW(List(), LB_SETCURSEL, static_cast<WPARAM>(index), 0); }
+
+void AppSelectWindow::EnableOk(bool enabled) { EnableWindow(GetDlgItem(hwnd_, IDOK), enabled ? TRUE : FALSE); }
+
+void AppSelectWindow::EndProgram() {
+  // While loading, Create() takes the window down once CreateDialog returns.
+  if (hwnd_ && !loading_) DestroyWindow(hwnd_);
+}
+
+}  // namespace nx

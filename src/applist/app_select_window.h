@@ -1,0 +1,53 @@
+// The Windows window of the application list: a modeless dialog that shows
+// what fAppSelect decides and forwards the user's actions to it.
+#pragma once
+
+#include <windows.h>
+
+#include "applist/app_select.h"
+#include "platform/win32_prompts.h"
+
+namespace nx {
+
+class AppSelectWindow final : public IAppSelectView {
+ public:
+  AppSelectWindow(HINSTANCE instance, cNarrixInfo& info, IMenuEditorEntry* editor);
+  AppSelectWindow(const AppSelectWindow&) = delete;
+  AppSelectWindow& operator=(const AppSelectWindow&) = delete;
+
+  // Creates the window hidden and runs its load handler. False when the
+  // program ended while loading (the window is then gone).
+  bool Create();
+  // Shows the window and puts the focus on the list.
+  void Show();
+  // Gives the window's keyboard handling a message of the program's loop;
+  // true when it was handled there.
+  bool PreTranslateMessage(MSG& msg);
+
+  fAppSelect& Logic() { return logic_; }
+  HWND Handle() const { return hwnd_; }
+
+  void SetText(AppSelectText what, const std::wstring& text) override;
+  void ClearList() override;
+  void AddListEntry(const std::wstring& text) override;
+  int ListCount() const override;
+  std::wstring ListEntry(int index) const override;
+  int SelectedIndex() const override;
+  void SelectEntry(int index) override;
+  void EnableOk(bool enabled) override;
+  void EndProgram() override;
+
+ private:
+  static INT_PTR CALLBACK DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+  INT_PTR OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+  void OnCommand(int id, int code);
+  HWND List() const;
+
+  HINSTANCE instance_;
+  HWND hwnd_ = nullptr;
+  bool loading_ = false;
+  Win32Prompts prompts_;
+  fAppSelect logic_;
+};
+
+}  // namespace nx
