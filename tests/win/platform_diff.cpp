@@ -1,0 +1,181 @@
+// Runs the portable implementations beside the Windows ones on the same
+// input and reports every difference: profile reads (also after writes),
+// the built-in code pages, and the compiled string tables.
+// Usage: platform_diff WORK_FOLDER
+#include <windows.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "platform/code_page.h"
+#include "platform/folders.h"
+#include "platform/profile.h"
+#include "platform/text.h"
+#include "platform/win32_profile.h"
+#include "startup/string_table.h"
+
+namespace {
+
+int passed = 0, failed = 0;
+
+void Check(bool same, const std::string& what) {
+  if (same) {
+    ++passed;
+  } else {
+    ++failed;
+    std::printf("DIFFERENT: %s\n", what.c_str());
+  }
+}
+
+std::string Show(const std::wstring& s) { return "\"" + nx::WideToUtf8(s) + "\""; }
+
+const char* const kFiles[] = {
+    "[section1]\r\nname1=val1\r\nname2=\"val2\"\r\nname3\r\nname4=a\r\n[section2]\r\n",
+    "junk\r\n[ section1 ]\r\n  name1  =  spaced value  \r\nempty=\r\nq1='x'\r\nq2=\"\r\nq3=\"a'\r\n=nokey\r\n",
+    "[dup]\r\nk=first\r\nk=second\r\n[DUP]\r\nk=third\r\nother=in second\r\n",
+    "[cr]\rk=cr only\r[lf]\nk=lf only\n\n\n[tab]\n\tk\t=\tv\t\n",
+    "; comment\r\n[c]\r\n;k=commented\r\nk2=v2 ; not a comment\r\n#k3=hash\r\n",
+    "[n]\r\nminus=-1\r\nplus=+1\r\nwrap=4294967296\r\nwrap1=4294967297\r\ntrail=42A94967297\r\nlead=B4294967297\r\n"
+    "blank=  7 \r\nempty=\r\nquoted=\"12\"\r\nneg= -5\r\nbig=99999999999999999999\r\n",
+    "[bad\r\nk=in bad\r\n[]\r\nk=in empty\r\n[ok]]\r\nk=odd\r\n",
+    "[NoBreak]\r\nlast=at end",
+    "",
+};
+
+struct Query {
+  const wchar_t *section, *key, *def;
+};
+
+const Query kQueries[] = {
+    {L"section1", L"name1", L"d"}, {L"SECTION1", L"NaMe1", L"d"}, {L" section1 ", L" name1 ", L"d"},
+    {L"section1", L"name2", L"d"}, {L"section1", L"name3", L"d"}, {L"section1", L"name4", L"d"},
+    {L"section1", L"empty", L"d"}, {L"section1", L"q1", L"d"},     {L"section1", L"q2", L"d"},
+    {L"section1", L"q3", L"d"},    {L"section1", L"", L"d"},       {L"", L"name1", L"d"},
+    {L"section1", L"x", L"def  "}, {L"dup", L"k", L"d"},           {L"dup", L"other", L"d"},
+    {L"cr", L"k", L"d"},           {L"lf", L"k", L"d"},            {L"tab", L"k", L"d"},
+    {L"c", L"k", L"d"},            {L"c", L";k", L"d"},            {L"c", L"k2", L"d"},
+    {L"c", L"#k3", L"d"},          {L"bad", L"k", L"d"},           {L"", L"k", L"d"},
+    {L"ok]", L"k", L"d"},          {L"ok", L"k", L"d"},            {L"NoBreak", L"last", L"d"},
+    {L"n", L"minus", L"d"},        {L"section2", L"any", L"d"},    {L"missing", L"k", L""},
+};
+
+const wchar_t* const kIntKeys[] = {L"minus", L"plus",  L"wrap", L"wrap1", L"trail", L"lead",
+                                   L"blank", L"empty", L"quoted", L"neg",  L"big",   L"missing"};
+
+void CompareReads(const nx::Win32Profile& win, const nx::PortableProfile& portable, const std::wstring& winFile,
+                  const std::wstring& portableFile, const std::string& label) {
+  for (const Query& q : kQueries) {
+    for (size_t size : {size_t{1024}, size_t{4}, size_t{1}}) {
+      const std::wstring a = win.GetString(q.section, q.key, q.def, winFile, size);
+      const std::wstring b = portable.GetString(q.section, q.key, q.def, portableFile, size);
+      Check(a == b, label + " [" + nx::WideToUtf8(q.section) + "] " + nx::WideToUtf8(q.key) + " size " +
+                        std::to_string(size) + ": Windows " + Show(a) + ", portable " + Show(b));
+    }
+  }
+  for (const wchar_t* key : kIntKeys) {
+    const int a = win.GetInt(L"n", key, 5, winFile), b = portable.GetInt(L"n", key, 5, portableFile);
+    Check(a == b, label + " int " + nx::WideToUtf8(key) + ": Windows " + std::to_string(a) + ", portable " +
+                      std::to_string(b));
+  }
+}
+
+void ProfileReads(const std::wstring& work) {
+  nx::Win32Profile win;
+  nx::PortableProfile portable(nx::SystemCodePage());
+  const std::wstring missing = work + L"\\missing.ini";
+  CompareReads(win, portable, missing, missing, "missing file");
+  int index = 0;
+  for (const char* content : kFiles) {
+    const std::wstring file = work + L"\\read" + std::to_wstring(index) + L".ini";
+    nx::WriteFileBytes(file, content);
+    std::string label = "file " + std::to_string(index++);
+    CompareReads(win, portable, file, file, label);
+  }
+  const std::wstring longFile = work + L"\\long.ini";
+  nx::WriteFileBytes(longFile, "[s]\r\nk=" + std::string(1500, 'x') + "\r\n");
+  Check(win.GetString(L"s", L"k", L"", longFile) == portable.GetString(L"s", L"k", L"", longFile),
+        "1024-character truncation");
+}
+
+void ProfileWrites(const std::wstring& work) {
+  struct Write {
+    const wchar_t* section;
+    std::optional<std::wstring> key, value;
+  };
+  const Write writes[] = {
+      {L"section1", L"name1", L"changed"}, {L"section1", L"added", L"new"}, {L"fresh", L"k", L"v"},
+      {L"SECTION1", L"NAME2", L""},        {L"section1", L"name4", std::nullopt}, {L"dup", L"k", L"rewritten"},
+      {L"section2", std::nullopt, std::nullopt}, {L"n", L"minus", L"0x10"},  {L"NoBreak", L"next", L"line"},
+  };
+  nx::Win32Profile win;
+  nx::PortableProfile portable(nx::SystemCodePage());
+  const std::wstring a = work + L"\\win.ini", b = work + L"\\portable.ini";
+  const std::string start = std::string(kFiles[0]) + kFiles[2] + kFiles[5] + kFiles[7];
+  nx::WriteFileBytes(a, start);
+  nx::WriteFileBytes(b, start);
+  int step = 0;
+  for (const Write& w : writes) {
+    const bool okA = win.WriteString(w.section, w.key, w.value, a);
+    const bool okB = portable.WriteString(w.section, w.key, w.value, b);
+    Check(okA == okB, "write " + std::to_string(step) + " result");
+    CompareReads(win, portable, a, b, "after write " + std::to_string(step++));
+  }
+  const std::wstring fresh = work + L"\\new.ini";
+  Check(win.WriteString(L"s", L"k", L"v", fresh) && portable.GetString(L"s", L"k", L"", fresh) == L"v",
+        "a written file reads back");
+}
+
+void CodePages() {
+  for (unsigned id : {1250u, 1252u}) {
+    nx::BuiltinCodePage builtin(id);
+    for (int byte = 0; byte < 256; ++byte) {
+      const char c = static_cast<char>(byte);
+      wchar_t wide = 0;
+      MultiByteToWideChar(id, 0, &c, 1, &wide, 1);
+      const std::wstring mine = builtin.ToWide(std::string(1, c));
+      Check(mine.size() == 1 && mine[0] == wide, "code page " + std::to_string(id) + " byte " + std::to_string(byte));
+    }
+  }
+}
+
+std::wstring ResourceString(int id, LANGID language) {
+  // Strings live in bundles of 16, in resource id / 16 + 1.
+  HRSRC res = FindResourceExW(nullptr, RT_STRING, MAKEINTRESOURCEW(id / 16 + 1), language);
+  if (!res) return L"(no bundle)";
+  const auto* p = static_cast<const wchar_t*>(LockResource(LoadResource(nullptr, res)));
+  for (int i = 0; i < id % 16; ++i) p += 1 + *p;
+  return std::wstring(p + 1, *p);
+}
+
+void StringTables() {
+  const struct {
+    LANGID id;
+    nx::UiLanguage table;
+  } languages[] = {{MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US), nx::UiLanguage::English},
+                   {MAKELANGID(LANG_CZECH, SUBLANG_DEFAULT), nx::UiLanguage::Czech},
+                   {MAKELANGID(LANG_SLOVAK, SUBLANG_DEFAULT), nx::UiLanguage::Czech}};
+  for (const auto& language : languages) {
+    for (auto* e = nx::StringTableBegin(); e != nx::StringTableEnd(); ++e) {
+      const std::wstring res = ResourceString(e->id, language.id), table = nx::TableText(e->id, language.table);
+      Check(res == table, "string " + std::to_string(e->id) + " language " + std::to_string(language.id) +
+                              ": resource " + Show(res) + ", table " + Show(table));
+    }
+  }
+}
+
+}  // namespace
+
+int wmain(int argc, wchar_t** argv) {
+  if (argc < 2) {
+    std::printf("usage: platform_diff WORK_FOLDER\n");
+    return 2;
+  }
+  const std::wstring work = argv[1];
+  ProfileReads(work);
+  ProfileWrites(work);
+  CodePages();
+  StringTables();
+  std::printf("%d passed, %d failed\n", passed, failed);
+  return failed == 0 ? 0 : 1;
+}
