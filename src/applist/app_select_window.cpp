@@ -25,9 +25,7 @@ void AppSelectWindow::Show() {
   SendMessageW(hwnd_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(List()), TRUE);
 }
 
-bool AppSelectWindow::PreTranslateMessage(MSG& msg) {
-  return hwnd_ && IsDialogMessageW(hwnd_, &msg);
-}
+bool AppSelectWindow::PreTranslateMessage(MSG& msg) { return hwnd_ && IsDialogMessageW(hwnd_, &msg); }
 
 INT_PTR CALLBACK AppSelectWindow::DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
   AppSelectWindow* self = nullptr;

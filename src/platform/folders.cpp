@@ -74,7 +74,8 @@ bool WriteFileBytes(const std::wstring& path, const std::string& bytes) {
     }
   }
 #ifdef _WIN32
-  const bool replaced = MoveFileExW(temp.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+  const bool replaced =
+      MoveFileExW(temp.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
 #else
   std::error_code ec;
   std::filesystem::rename(ToFsPath(temp), ToFsPath(path), ec);

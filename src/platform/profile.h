@@ -19,8 +19,7 @@ class IProfile {
   virtual std::wstring GetString(const std::wstring& section, const std::wstring& key, const std::wstring& def,
                                  const std::wstring& file) const = 0;
   // Reads like GetPrivateProfileIntA.
-  virtual int GetInt(const std::wstring& section, const std::wstring& key, int def,
-                     const std::wstring& file) const = 0;
+  virtual int GetInt(const std::wstring& section, const std::wstring& key, int def, const std::wstring& file) const = 0;
   // Writes like WritePrivateProfileStringA: no value deletes the key, no key
   // deletes the whole section. False when the file cannot be written or the
   // section name is empty; the file is then left as it was.

@@ -74,8 +74,7 @@ wchar_t UpperChar(wchar_t c) {
   // Latin Extended-A alternates upper and lower case; the parity flips at
   // U+0138/U+0149 and U+0178.
   if ((u >= 0x100 && u <= 0x137) || (u >= 0x14A && u <= 0x177)) return static_cast<wchar_t>(u & ~1u);
-  if ((u >= 0x139 && u <= 0x148) || (u >= 0x179 && u <= 0x17E))
-    return (u % 2 == 0) ? static_cast<wchar_t>(u - 1) : c;
+  if ((u >= 0x139 && u <= 0x148) || (u >= 0x179 && u <= 0x17E)) return (u % 2 == 0) ? static_cast<wchar_t>(u - 1) : c;
   if (u == 0x17F) return L'S';
   if (u >= 0x3B1 && u <= 0x3C9 && u != 0x3C2) return static_cast<wchar_t>(u - 32);
   if (u >= 0x430 && u <= 0x44F) return static_cast<wchar_t>(u - 32);
@@ -96,8 +95,7 @@ wchar_t LowerChar(wchar_t c) {
   if (u <= 0xDE && u != 0xD7) return static_cast<wchar_t>(u + 32);
   if (u == 0x178) return static_cast<wchar_t>(0xFF);
   if ((u >= 0x100 && u <= 0x137) || (u >= 0x14A && u <= 0x177)) return static_cast<wchar_t>(u | 1u);
-  if ((u >= 0x139 && u <= 0x148) || (u >= 0x179 && u <= 0x17E))
-    return (u % 2 == 1) ? static_cast<wchar_t>(u + 1) : c;
+  if ((u >= 0x139 && u <= 0x148) || (u >= 0x179 && u <= 0x17E)) return (u % 2 == 1) ? static_cast<wchar_t>(u + 1) : c;
   if (u >= 0x391 && u <= 0x3A9 && u != 0x3A2) return static_cast<wchar_t>(u + 32);
   if (u >= 0x410 && u <= 0x42F) return static_cast<wchar_t>(u + 32);
   if (u >= 0x400 && u <= 0x40F) return static_cast<wchar_t>(u + 80);

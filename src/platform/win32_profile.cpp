@@ -14,8 +14,8 @@ std::string Ansi(const std::wstring& text) { return SystemCodePage().ToAnsi(text
 std::wstring Win32Profile::GetString(const std::wstring& section, const std::wstring& key, const std::wstring& def,
                                      const std::wstring& file, size_t bufferSize) const {
   std::vector<char> buffer(bufferSize + 1, '\0');
-  const DWORD n = GetPrivateProfileStringA(Ansi(section).c_str(), Ansi(key).c_str(), Ansi(def).c_str(),
-                                           buffer.data(), static_cast<DWORD>(bufferSize), Ansi(file).c_str());
+  const DWORD n = GetPrivateProfileStringA(Ansi(section).c_str(), Ansi(key).c_str(), Ansi(def).c_str(), buffer.data(),
+                                           static_cast<DWORD>(bufferSize), Ansi(file).c_str());
   return SystemCodePage().ToWide(std::string_view(buffer.data(), n));
 }
 
@@ -33,8 +33,7 @@ bool Win32Profile::WriteString(const std::wstring& section, const std::optional<
                                const std::optional<std::wstring>& value, const std::wstring& file) {
   const std::string s = Ansi(section), f = Ansi(file);
   const std::string k = key ? Ansi(*key) : std::string(), v = value ? Ansi(*value) : std::string();
-  return WritePrivateProfileStringA(s.c_str(), key ? k.c_str() : nullptr, value ? v.c_str() : nullptr, f.c_str()) !=
-         0;
+  return WritePrivateProfileStringA(s.c_str(), key ? k.c_str() : nullptr, value ? v.c_str() : nullptr, f.c_str()) != 0;
 }
 
 }  // namespace nx

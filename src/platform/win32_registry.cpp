@@ -30,8 +30,7 @@ std::optional<std::wstring> Win32Registry::Read(const std::wstring& keyPath, con
   if (RegOpenKeyExW(HKEY_CURRENT_USER, keyPath.c_str(), 0, KEY_QUERY_VALUE, key.Out()) != ERROR_SUCCESS)
     return std::nullopt;
   DWORD type = 0, size = 0;
-  if (RegQueryValueExW(key.Get(), name.c_str(), nullptr, &type, nullptr, &size) != ERROR_SUCCESS)
-    return std::nullopt;
+  if (RegQueryValueExW(key.Get(), name.c_str(), nullptr, &type, nullptr, &size) != ERROR_SUCCESS) return std::nullopt;
   std::vector<BYTE> data(size + sizeof(wchar_t), 0);
   if (RegQueryValueExW(key.Get(), name.c_str(), nullptr, &type, data.data(), &size) != ERROR_SUCCESS)
     return std::nullopt;
@@ -52,8 +51,8 @@ std::optional<std::wstring> Win32Registry::Read(const std::wstring& keyPath, con
 
 bool Win32Registry::WriteString(const std::wstring& keyPath, const std::wstring& name, const std::wstring& value) {
   RegKey key;
-  if (RegCreateKeyExW(HKEY_CURRENT_USER, keyPath.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, key.Out(),
-                      nullptr) != ERROR_SUCCESS)
+  if (RegCreateKeyExW(HKEY_CURRENT_USER, keyPath.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, key.Out(), nullptr) !=
+      ERROR_SUCCESS)
     return false;
   const DWORD bytes = static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t));
   return RegSetValueExW(key.Get(), name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()), bytes) ==

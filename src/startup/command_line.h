@@ -13,9 +13,9 @@ extern std::wstring gCmdScriptPath;
 extern std::wstring gCmdDisplayName;
 
 struct CommandLineRequest {
-  std::wstring appName;                    // trimmed; "" when none
-  std::optional<std::wstring> scriptPath;  // the text after "*", when given
-  std::optional<std::wstring> displayName; // the text after "/", when given
+  std::wstring appName;                     // trimmed; "" when none
+  std::optional<std::wstring> scriptPath;   // the text after "*", when given
+  std::optional<std::wstring> displayName;  // the text after "/", when given
 };
 
 // Splits the arguments: "/" first (the display name is everything after the

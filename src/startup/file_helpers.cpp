@@ -8,7 +8,7 @@ namespace nx {
 bool FileExists(const std::wstring& path) { return PathExists(path); }
 
 void MakePath(const std::wstring& path) {
-  for (size_t pos = path.find(L'\\'); ; pos = path.find(L'\\', pos + 1)) {
+  for (size_t pos = path.find(L'\\');; pos = path.find(L'\\', pos + 1)) {
     const std::wstring part = path.substr(0, pos);
     // Skip the drive ("C:") and the empty start of "\\server" and "/root".
     if (!part.empty() && part.back() != L':' && !IsFolder(part)) CreateFolder(part);

@@ -32,9 +32,8 @@ std::wstring cNarrixInfo::DirSet() const { return JoinPath(dirVelkor_, setFolder
 std::wstring cNarrixInfo::DirSound() const { return JoinPath(dirVelkor_, soundFolderName_); }
 
 std::wstring cNarrixInfo::FileNameWork() const {
-  const std::wstring documents =
-      GetRegValue(registry_, L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders", L"",
-                  L"Personal", L"");
+  const std::wstring documents = GetRegValue(
+      registry_, L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders", L"", L"Personal", L"");
   const std::wstring path = JoinPath(documents, Product(L"FileTemp", L"Work\\Info.txt"));
   MakePath(FolderOf(path));
   return path;
@@ -54,7 +53,7 @@ std::wstring cNarrixInfo::FileNameHelp(const std::wstring& topic) const {
 }
 
 unsigned cNarrixInfo::GetLogFilter() const {
-  static const wchar_t* const kNames[] = {L"LogFocus", L"LogKey",    L"LogText",  L"LogBmp",
+  static const wchar_t* const kNames[] = {L"LogFocus", L"LogKey",    L"LogText",   L"LogBmp",
                                           L"LogDef",   L"LogOkoExp", L"LogToFile", L"LogToDbgView"};
   unsigned flags = 0;
   for (unsigned i = 0; i < 8; ++i)

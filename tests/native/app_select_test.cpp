@@ -30,8 +30,9 @@ class FakeView : public IAppSelectView {
     selected = -1;
   }
   void AddListEntry(const std::wstring& text) override {
-    auto at = std::upper_bound(entries.begin(), entries.end(), text,
-                               [](const std::wstring& a, const std::wstring& b) { return UpperCase(a) < UpperCase(b); });
+    auto at = std::upper_bound(entries.begin(), entries.end(), text, [](const std::wstring& a, const std::wstring& b) {
+      return UpperCase(a) < UpperCase(b);
+    });
     entries.insert(at, text);
   }
   int ListCount() const override { return static_cast<int>(entries.size()); }

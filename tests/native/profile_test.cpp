@@ -79,7 +79,7 @@ TEST_F(ProfileTest, ReadsNumbersLikeGetPrivateProfileInt) {
   const struct {
     const wchar_t* key;
     int expected;
-  } cases[] = {{L"minus", -1}, {L"plus", 1},  {L"wrap", 0},  {L"wrap1", 1},   {L"trail", 42},  {L"lead", 0},
+  } cases[] = {{L"minus", -1}, {L"plus", 1},  {L"wrap", 0},  {L"wrap1", 1},   {L"trail", 42}, {L"lead", 0},
                {L"hex", 31},   {L"blank", 7}, {L"empty", 5}, {L"missing", 5}, {L"quoted", 12}};
   for (const auto& c : cases) EXPECT_EQ(profile_.GetInt(L"n", c.key, 5, File()), c.expected) << WideToUtf8(c.key);
 }

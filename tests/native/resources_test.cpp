@@ -86,8 +86,8 @@ TEST(Resources, AccessKeysAreUniqueInEveryLanguage) {
       for (const auto& caption : captions) {
         const wchar_t key = AccessKey(caption);
         if (!key) continue;
-        EXPECT_FALSE(seen.count(key)) << dialog << ": \"" << WideToUtf8(caption) << "\" and \""
-                                      << WideToUtf8(seen[key]) << "\" share an access key";
+        EXPECT_FALSE(seen.count(key)) << dialog << ": \"" << WideToUtf8(caption) << "\" and \"" << WideToUtf8(seen[key])
+                                      << "\" share an access key";
         seen[key] = caption;
       }
       // The list's label must carry an access key, or the list cannot be reached directly.

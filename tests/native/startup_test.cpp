@@ -37,7 +37,8 @@ TEST(FileHelpers, PathsAndCommands) {
   } cases[] = {
       {L"Shell(WScript C:\\Scripts\\Mail.vbs)", L"WScript C:\\Scripts\\Mail.vbs", L"mail.vbs"},
       {L"shell(notepad x.txt)", L"notepad x.txt", L"notepad x.txt"},
-      {L"SHELL(\"$(appsetdir)\\Čtečka.exe\" /a)", L"\"$(appsetdir)\\Čtečka.exe\" /a", L"\"$(appsetdir)\\čtečka.exe\" /a"},
+      {L"SHELL(\"$(appsetdir)\\Čtečka.exe\" /a)", L"\"$(appsetdir)\\Čtečka.exe\" /a",
+       L"\"$(appsetdir)\\čtečka.exe\" /a"},
       {L"shell(calc (sci))", L"calc (sci)", L"calc (sci)"},
       {L"shellnotepad", L"shellnotepad", L"notepad"},
       {L"run x", L"run x", L""},
@@ -184,8 +185,16 @@ TEST(StringTable, EveryIdInBothLanguages) {
         << e->id;
   }
   std::vector<int> expected;
-  for (auto [from, to] : {std::pair{100, 107}, {501, 505}, {601, 606}, {608, 617}, {630, 636}, {700, 715},
-                          {717, 725}, {1050, 1050}, {2050, 2053}, {5025, 5029}})
+  for (auto [from, to] : {std::pair{100, 107},
+                          {501, 505},
+                          {601, 606},
+                          {608, 617},
+                          {630, 636},
+                          {700, 715},
+                          {717, 725},
+                          {1050, 1050},
+                          {2050, 2053},
+                          {5025, 5029}})
     for (int id = from; id <= to; ++id) expected.push_back(id);
   EXPECT_EQ(ids, expected);
 }

@@ -28,7 +28,9 @@ TEST(Text, CaseFoldingCoversCzechSlovakAndLatin1) {
 
 TEST(Text, Utf8RoundTrip) {
   const std::wstring text = L"Úprava nabídky € ✓";
-  EXPECT_EQ(WideToUtf8(text), "\xC3\x9Aprava nab\xC3\xAD" "dky \xE2\x82\xAC \xE2\x9C\x93");
+  EXPECT_EQ(WideToUtf8(text),
+            "\xC3\x9Aprava nab\xC3\xAD"
+            "dky \xE2\x82\xAC \xE2\x9C\x93");
   EXPECT_EQ(Utf8ToWide(WideToUtf8(text)), text);
 }
 
@@ -53,7 +55,10 @@ TEST(CodePage, BuiltinTablesMapEveryByteBothWays) {
 TEST(CodePage, KnownLetters) {
   BuiltinCodePage cz(1250), west(1252);
   EXPECT_EQ(cz.ToWide("\xE8\xF8\x9A\x9E\xEC\xF9"), L"čřšžěů");
-  EXPECT_EQ(cz.ToAnsi(L"Úprava nabídky"), "\xDA" "prava nab\xED" "dky");
+  EXPECT_EQ(cz.ToAnsi(L"Úprava nabídky"),
+            "\xDA"
+            "prava nab\xED"
+            "dky");
   EXPECT_EQ(west.ToWide("\x80\xE9\x9F"), L"€éŸ");
   EXPECT_EQ(west.ToAnsi(L"ř"), "?");
 }

@@ -48,20 +48,40 @@ struct Query {
 };
 
 const Query kQueries[] = {
-    {L"section1", L"name1", L"d"}, {L"SECTION1", L"NaMe1", L"d"}, {L" section1 ", L" name1 ", L"d"},
-    {L"section1", L"name2", L"d"}, {L"section1", L"name3", L"d"}, {L"section1", L"name4", L"d"},
-    {L"section1", L"empty", L"d"}, {L"section1", L"q1", L"d"},     {L"section1", L"q2", L"d"},
-    {L"section1", L"q3", L"d"},    {L"section1", L"", L"d"},       {L"", L"name1", L"d"},
-    {L"section1", L"x", L"def  "}, {L"dup", L"k", L"d"},           {L"dup", L"other", L"d"},
-    {L"cr", L"k", L"d"},           {L"lf", L"k", L"d"},            {L"tab", L"k", L"d"},
-    {L"c", L"k", L"d"},            {L"c", L";k", L"d"},            {L"c", L"k2", L"d"},
-    {L"c", L"#k3", L"d"},          {L"bad", L"k", L"d"},           {L"", L"k", L"d"},
-    {L"ok]", L"k", L"d"},          {L"ok", L"k", L"d"},            {L"NoBreak", L"last", L"d"},
-    {L"n", L"minus", L"d"},        {L"section2", L"any", L"d"},    {L"missing", L"k", L""},
+    {L"section1", L"name1", L"d"},
+    {L"SECTION1", L"NaMe1", L"d"},
+    {L" section1 ", L" name1 ", L"d"},
+    {L"section1", L"name2", L"d"},
+    {L"section1", L"name3", L"d"},
+    {L"section1", L"name4", L"d"},
+    {L"section1", L"empty", L"d"},
+    {L"section1", L"q1", L"d"},
+    {L"section1", L"q2", L"d"},
+    {L"section1", L"q3", L"d"},
+    {L"section1", L"", L"d"},
+    {L"", L"name1", L"d"},
+    {L"section1", L"x", L"def  "},
+    {L"dup", L"k", L"d"},
+    {L"dup", L"other", L"d"},
+    {L"cr", L"k", L"d"},
+    {L"lf", L"k", L"d"},
+    {L"tab", L"k", L"d"},
+    {L"c", L"k", L"d"},
+    {L"c", L";k", L"d"},
+    {L"c", L"k2", L"d"},
+    {L"c", L"#k3", L"d"},
+    {L"bad", L"k", L"d"},
+    {L"", L"k", L"d"},
+    {L"ok]", L"k", L"d"},
+    {L"ok", L"k", L"d"},
+    {L"NoBreak", L"last", L"d"},
+    {L"n", L"minus", L"d"},
+    {L"section2", L"any", L"d"},
+    {L"missing", L"k", L""},
 };
 
-const wchar_t* const kIntKeys[] = {L"minus", L"plus",  L"wrap", L"wrap1", L"trail", L"lead",
-                                   L"blank", L"empty", L"quoted", L"neg",  L"big",   L"missing"};
+const wchar_t* const kIntKeys[] = {L"minus", L"plus",  L"wrap",   L"wrap1", L"trail", L"lead",
+                                   L"blank", L"empty", L"quoted", L"neg",   L"big",   L"missing"};
 
 void CompareReads(const nx::Win32Profile& win, const nx::PortableProfile& portable, const std::wstring& winFile,
                   const std::wstring& portableFile, const std::string& label) {
@@ -75,8 +95,8 @@ void CompareReads(const nx::Win32Profile& win, const nx::PortableProfile& portab
   }
   for (const wchar_t* key : kIntKeys) {
     const int a = win.GetInt(L"n", key, 5, winFile), b = portable.GetInt(L"n", key, 5, portableFile);
-    Check(a == b, label + " int " + nx::WideToUtf8(key) + ": Windows " + std::to_string(a) + ", portable " +
-                      std::to_string(b));
+    Check(a == b,
+          label + " int " + nx::WideToUtf8(key) + ": Windows " + std::to_string(a) + ", portable " + std::to_string(b));
   }
 }
 
@@ -104,9 +124,15 @@ void ProfileWrites(const std::wstring& work) {
     std::optional<std::wstring> key, value;
   };
   const Write writes[] = {
-      {L"section1", L"name1", L"changed"}, {L"section1", L"added", L"new"}, {L"fresh", L"k", L"v"},
-      {L"SECTION1", L"NAME2", L""},        {L"section1", L"name4", std::nullopt}, {L"dup", L"k", L"rewritten"},
-      {L"section2", std::nullopt, std::nullopt}, {L"n", L"minus", L"0x10"},  {L"NoBreak", L"next", L"line"},
+      {L"section1", L"name1", L"changed"},
+      {L"section1", L"added", L"new"},
+      {L"fresh", L"k", L"v"},
+      {L"SECTION1", L"NAME2", L""},
+      {L"section1", L"name4", std::nullopt},
+      {L"dup", L"k", L"rewritten"},
+      {L"section2", std::nullopt, std::nullopt},
+      {L"n", L"minus", L"0x10"},
+      {L"NoBreak", L"next", L"line"},
   };
   nx::Win32Profile win;
   nx::PortableProfile portable(nx::SystemCodePage());
