@@ -20,6 +20,7 @@ fi
 nx_session_start "$WORK" || exit 1
 [ -n "$virtual" ] && echo "No display: started a virtual screen ($DISPLAY)."
 nx_set_install "$INSTALL"
+if [ -n "$virtual" ]; then nx_wine_frames N; else nx_wine_frames Y; fi
 echo "Installation: $INSTALL"
 
 if [ -z "$virtual" ]; then

@@ -9,6 +9,7 @@ rm -rf "$WORK"; mkdir -p "$WORK" "$OUT"
 cp -r "$DEMO" "$WORK/install"
 nx_session_start "$WORK" || exit 1
 nx_set_install "$WORK/install"
+nx_wine_frames N
 wine "$BIN/narrixmenu.exe" >/dev/null 2>&1 &
 rect=$(wine "$BIN/nxprobe.exe" rect "Menu modification" 30000 2>/dev/null | tr -d '\r')
 [ -n "$rect" ] || { echo "the application list did not open" >&2; exit 1; }

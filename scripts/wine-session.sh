@@ -34,6 +34,13 @@ nx_winpath() {
   printf 'Z:%s' "$(cd "$(dirname "$1")" && pwd)/$(basename "$1")" | tr '/' '\\'
 }
 
+# nx_wine_frames N lets Wine draw the window frames itself, as Windows does:
+# a virtual screen has no window manager, and without this windows show no
+# title bar. nx_wine_frames Y leaves the frames to the desktop's manager.
+nx_wine_frames() {
+  timeout 60 wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /t REG_SZ /d "$1" /f >/dev/null 2>&1
+}
+
 nx_set_install() {
   timeout 60 wine reg add 'HKCU\SOFTWARE\Velkor\NarrixXP' /v Path /t REG_SZ /d "$(nx_winpath "$1")" /f >/dev/null 2>&1
 }
