@@ -1,0 +1,181 @@
+#include "menu/menu_item.h"
+
+#include <limits>
+#include <stdexcept>
+
+namespace nx {
+namespace {
+
+int32_t Increment(int32_t value) {
+  if (value == std::numeric_limits<int32_t>::max()) throw std::overflow_error("menu id counter overflow");
+  return value + 1;
+}
+
+// A depth-first pre-order walk that stops at the first child for which
+// `visit` returns true, and then goes on with the siblings of the level above
+// (a match only ends the walk of its own level). Iterative, so that trees of
+// any depth are safe.
+template <typename Visit>
+void WalkUntilMatch(cMenuItem& root, Visit visit) {
+  struct Frame {
+    cMenuItem* node;
+    int position;
+  };
+  std::vector<Frame> stack{{&root, 1}};
+  while (!stack.empty()) {
+    Frame& frame = stack.back();
+    if (frame.position > frame.node->SubItems.Count()) {
+      stack.pop_back();
+      continue;
+    }
+    MenuItemPtr child = frame.node->SubItems.item(frame.position);
+    if (visit(frame.node->SubItems, *child, frame.position)) {
+      stack.pop_back();
+      continue;
+    }
+    ++frame.position;
+    stack.push_back({child.get(), 1});
+  }
+}
+
+}  // namespace
+
+bool cMenuItems::WouldOwnItself(const cMenuItem* item) const {
+  // Every ancestor of the owner but the owner itself has children, so a leaf
+  // (all the menu reader ever adds) is checked at once.
+  if (item->SubItems.Count() == 0) return item == owner_;
+  for (const cMenuItem* p = owner_; p; p = p->Parent)
+    if (p == item) return true;
+  return false;
+}
+
+MenuItemPtr cMenuItems::Add(int16_t asChild, cMenuItem* reference, MenuItemPtr item, const std::wstring& key) {
+  if (!item || WouldOwnItself(item.get())) return nullptr;
+  if (asChild == 0) {
+    item->Parent = reference ? reference->Parent : nullptr;
+  } else if (asChild == 1 && reference) {
+    item->Parent = reference;
+  } else {
+    return nullptr;
+  }
+  items_.push_back({item, key});
+  return item;
+}
+
+MenuItemPtr cMenuItems::AddAfter(MenuItemPtr item, int position, const std::wstring& key) {
+  if (!item || position < 0 || position > Count() || WouldOwnItself(item.get())) return nullptr;
+  items_.insert(items_.begin() + position, Entry{item, key});
+  return item;
+}
+
+MenuItemPtr cMenuItems::AddAsFirst(MenuItemPtr item, const std::wstring& key) { return AddAfter(item, 0, key); }
+
+MenuItemPtr cMenuItems::item(int position) const {
+  if (position < 1 || position > Count()) return nullptr;
+  return items_[static_cast<size_t>(position - 1)].item;
+}
+
+std::wstring cMenuItems::Key(int position) const {
+  if (position < 1 || position > Count()) return {};
+  return items_[static_cast<size_t>(position - 1)].key;
+}
+
+void cMenuItems::Remove(int position) {
+  if (position < 1 || position > Count()) return;
+  items_.erase(items_.begin() + (position - 1));
+}
+
+cMenuItem::cMenuItem() = default;
+
+cMenuItem::~cMenuItem() {
+  if (popup_ && menus_) menus_->Destroy(popup_);
+  // Release the subtree without recursion: an item whose last holder is this
+  // tree hands its children over before it goes.
+  std::vector<MenuItemPtr> pending;
+  auto takeChildren = [&pending](cMenuItem& item) {
+    for (auto& entry : item.SubItems.items_) {
+      if (entry.item->Parent == &item) entry.item->Parent = nullptr;
+      pending.push_back(std::move(entry.item));
+    }
+    item.SubItems.items_.clear();
+  };
+  takeChildren(*this);
+  while (!pending.empty()) {
+    MenuItemPtr item = std::move(pending.back());
+    pending.pop_back();
+    if (item.use_count() == 1) takeChildren(*item);
+  }
+}
+
+NativeMenu cMenuItem::CreateMenu(INativeMenus& menus, const std::function<std::wstring(int32_t)>& hotKeyText) {
+  if (popup_ && menus_) menus_->Destroy(popup_);
+  menus_ = &menus;
+  popup_ = menus.CreatePopup();
+  for (const auto& child : SubItems) {
+    if (child->SubItems.Count() >= 1) {
+      menus.AppendPopup(popup_, child->CreateMenu(menus, hotKeyText), child->Caption);
+    } else {
+      std::wstring label = child->Caption;
+      const std::wstring keyText = hotKeyText ? hotKeyText(child->HotKey) : std::wstring();
+      if (!keyText.empty()) label += L"\t" + keyText;
+      menus.AppendCommand(popup_, child->MenuId, label);
+    }
+  }
+  return popup_;
+}
+
+void cMenuItem::DestroyMenu() {
+  for (const auto& child : SubItems) child->DestroyMenu();
+  // Forgetting the handle keeps a later CreateMenu or the item's end from
+  // destroying it a second time.
+  if (popup_ && menus_) menus_->Destroy(popup_);
+  popup_ = 0;
+}
+
+void cMenuItem::InsertAfter(const cMenuItem* reference, MenuItemPtr item) {
+  if (!reference || !item) return;
+  WalkUntilMatch(*this, [&](cMenuItems& list, cMenuItem& child, int position) {
+    if (&child != reference) return false;
+    list.AddAfter(item, position);
+    return true;
+  });
+}
+
+void cMenuItem::RemoveItem(const cMenuItem* item) {
+  if (!item) return;
+  WalkUntilMatch(*this, [&](cMenuItems& list, cMenuItem& child, int position) {
+    if (&child != item) return false;
+    list.Remove(position);
+    return true;
+  });
+}
+
+void cMenuItem::CreateMenuId(int32_t& next) {
+  struct Frame {
+    cMenuItem* node;
+    int position;
+  };
+  MenuId = next;
+  next = Increment(next);
+  std::vector<Frame> stack{{this, 1}};
+  while (!stack.empty()) {
+    Frame& frame = stack.back();
+    if (frame.position <= frame.node->SubItems.Count()) {
+      cMenuItem* child = frame.node->SubItems.item(frame.position++).get();
+      child->MenuId = next;
+      next = Increment(next);
+      stack.push_back({child, 1});
+    } else {
+      stack.pop_back();
+      // One number is left unused after every child's subtree.
+      if (!stack.empty()) next = Increment(next);
+    }
+  }
+}
+
+std::wstring cNamedPoint::Dump() const {
+  return Name + L"; " + std::to_wstring(X) + L"; " + std::to_wstring(Y) + L"; " + Text + L"; " +
+         std::to_wstring(Number);
+}
+
+}  // namespace nx

@@ -1,0 +1,130 @@
+// The menu as a tree of items. Items are shared: the tree, the editor's
+// clipboard and the wizard may hold the same item, which lives as long as
+// any of them does. A child's Parent is a plain back pointer, so a tree never
+// owns itself; adding an item into its own subtree is refused.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/native_menus.h"
+
+namespace nx {
+
+class cMenuItem;
+using MenuItemPtr = std::shared_ptr<cMenuItem>;
+
+// The ordered children of one item, positions counted from 1.
+class cMenuItems {
+ public:
+  struct Entry {
+    MenuItemPtr item;
+    std::wstring key;
+  };
+
+  explicit cMenuItems(cMenuItem* owner) : owner_(owner) {}
+  cMenuItems(const cMenuItems&) = delete;
+  cMenuItems& operator=(const cMenuItems&) = delete;
+
+  // Appends `item`. Flag 0: its Parent becomes reference's Parent. Flag 1
+  // with a reference: its Parent becomes the reference. Any other flag, or
+  // flag 1 without a reference, adds nothing and returns null, as does an
+  // item that would become its own ancestor.
+  MenuItemPtr Add(int16_t asChild, cMenuItem* reference, MenuItemPtr item, const std::wstring& key = L"");
+  // Inserts directly after `position` (0: at the front). Parent is left as
+  // it is. Null when the position is out of range or the item would become
+  // its own ancestor.
+  MenuItemPtr AddAfter(MenuItemPtr item, int position, const std::wstring& key = L"");
+  MenuItemPtr AddAsFirst(MenuItemPtr item, const std::wstring& key = L"");
+
+  bool IsFirst(const cMenuItem* item) const { return !items_.empty() && items_.front().item.get() == item; }
+  bool IsLast(const cMenuItem* item) const { return !items_.empty() && items_.back().item.get() == item; }
+  // The item at `position` (1-based); null outside 1..Count.
+  MenuItemPtr item(int position) const;
+  int Count() const { return static_cast<int>(items_.size()); }
+  void Remove(int position);
+  // The key the item at `position` was added with ("" when none).
+  std::wstring Key(int position) const;
+
+  // Iteration in order (the enumeration of the tree walks).
+  class const_iterator {
+   public:
+    using Inner = std::vector<Entry>::const_iterator;
+    explicit const_iterator(Inner it) : it_(it) {}
+    const MenuItemPtr& operator*() const { return it_->item; }
+    const_iterator& operator++() {
+      ++it_;
+      return *this;
+    }
+    bool operator!=(const const_iterator& other) const { return it_ != other.it_; }
+
+   private:
+    Inner it_;
+  };
+  const_iterator begin() const { return const_iterator(items_.begin()); }
+  const_iterator end() const { return const_iterator(items_.end()); }
+
+
+ private:
+  friend class cMenuItem;
+  bool WouldOwnItself(const cMenuItem* item) const;
+
+  cMenuItem* owner_;
+  std::vector<Entry> items_;
+};
+
+class cMenuItem {
+ public:
+  static MenuItemPtr New() { return std::make_shared<cMenuItem>(); }
+  cMenuItem();
+  ~cMenuItem();
+  cMenuItem(const cMenuItem&) = delete;
+  cMenuItem& operator=(const cMenuItem&) = delete;
+
+  std::wstring Caption;
+  std::wstring Action;
+  int32_t HotKey = 0;
+  bool Discard = false;
+  std::wstring Tag;  // free for the windows' own use; never stored
+  cMenuItems SubItems{this};
+  cMenuItem* Parent = nullptr;
+  int32_t MenuId = 0;
+
+  // Builds the native pop-up of this item and of every pull-down below it,
+  // each command labelled with its caption and, after a tab, the text
+  // `hotKeyText` gives for its hot key. A pop-up made earlier is destroyed
+  // first. The item owns the result until DestroyMenu or its end.
+  NativeMenu CreateMenu(INativeMenus& menus, const std::function<std::wstring(int32_t)>& hotKeyText);
+  // Destroys the pop-ups of the children, depth first, then this one's.
+  void DestroyMenu();
+
+  // Puts `item` after `reference`, wherever in this subtree the reference is
+  // (the first found in pre-order). Parent is left to the caller. Nothing
+  // happens when either is null or the reference is not in the subtree.
+  void InsertAfter(const cMenuItem* reference, MenuItemPtr item);
+  // Takes `item` out of this subtree (the first place found in pre-order).
+  void RemoveItem(const cMenuItem* item);
+  // Numbers this subtree in pre-order from `next`, leaving one number unused
+  // after every child's subtree. Throws std::overflow_error past INT32_MAX.
+  void CreateMenuId(int32_t& next);
+
+ private:
+  NativeMenu popup_ = 0;
+  INativeMenus* menus_ = nullptr;
+};
+
+// A named point beside the tree: name, a second text and three numbers.
+class cNamedPoint {
+ public:
+  std::wstring Name;
+  std::wstring Text;
+  int32_t X = 0, Y = 0, Number = 0;
+  // "name; x; y; text; number"
+  std::wstring Dump() const;
+};
+
+}  // namespace nx

@@ -1,0 +1,209 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "defs/def_actions.h"
+#include "menu/menu_file.h"
+#include "platform/profile.h"
+#include "temp_folder.h"
+
+namespace nx {
+namespace {
+
+using namespace std::string_literals;
+
+std::string Record(int16_t level, uint32_t keyWord, const std::string& caption, const std::string& action) {
+  std::string out;
+  auto put = [&out](uint32_t v, int width) {
+    for (int i = 0; i < width; ++i) out += static_cast<char>((v >> (8 * i)) & 0xFF);
+  };
+  put(static_cast<uint16_t>(level), 2);
+  put(keyWord, 4);
+  put(static_cast<uint32_t>(caption.size()), 2);
+  out += caption;
+  put(static_cast<uint32_t>(action.size()), 2);
+  return out + action;
+}
+
+// "caption[id](children)" for every item below `item`.
+std::string Shape(const cMenuItem& item) {
+  std::string out;
+  for (const auto& child : item.SubItems) {
+    out += std::string(child->Caption.begin(), child->Caption.end()) + "[" + std::to_string(child->MenuId) + "]";
+    if (child->SubItems.Count()) out += "(" + Shape(*child) + ")";
+  }
+  return out;
+}
+
+class MenuFileTest : public ::testing::Test {
+ protected:
+  MenuReadResult Parse(const std::string& bytes, int32_t base = 256) {
+    counter_ = base;
+    return ParseMenu(bytes, page_, [](const std::wstring&) { return 0x12A; }, counter_);
+  }
+  std::string Serialize(const cMenuItem& root) {
+    return SerializeMenu(root, page_, [this](const std::wstring& action, uint32_t code) {
+             braille_ += std::string(action.begin(), action.end()) + "=" + std::to_string(code) + ";";
+           }).value_or("FAILED");
+  }
+  BuiltinCodePage page_{1252};
+  int32_t counter_ = 0;
+  std::string braille_;
+};
+
+TEST_F(MenuFileTest, TheTwoItemExampleByteForByte) {
+  auto root = cMenuItem::New();
+  auto file = root->SubItems.Add(1, root.get(), cMenuItem::New());
+  file->Caption = L"File";
+  auto open = file->SubItems.Add(1, file.get(), cMenuItem::New());
+  open->Caption = L"Open";
+  open->Action = L"open.vbs";
+  open->HotKey = 0x123;
+  const std::string expected =
+      "\x00\x00" "\x00\x00\x00\x00" "\x04\x00" "File" "\x00\x00"
+      "\x01\x00" "\x23\x01\x00\x00" "\x04\x00" "Open" "\x08\x00" "open.vbs"s;
+  EXPECT_EQ(Serialize(*root), expected);
+  const auto read = Parse(expected);
+  EXPECT_TRUE(read.complete);
+  EXPECT_EQ(Shape(*read.root), "File[256](Open[257])");
+  EXPECT_EQ(read.root->Caption, L"[root]");
+  EXPECT_EQ(read.root->SubItems.item(1)->SubItems.item(1)->HotKey, 0x123);
+  EXPECT_EQ(counter_, 258);
+}
+
+TEST_F(MenuFileTest, DiscardAndBrailleBits) {
+  const std::string bytes = Record(0, 0x80000041u, "Keyboard", "SayLine") +      // discard, key 0x41
+                            Record(0, 0x40000005u, "Button", "Beep") +            // braille: code from the profile
+                            Record(0, 0xC0000005u, "Both", "Both") +              // braille and discard
+                            Record(0, 0x00000000u, "Plain", "");
+  const auto read = Parse(bytes);
+  ASSERT_EQ(read.root->SubItems.Count(), 4);
+  const auto& items = read.root->SubItems;
+  EXPECT_TRUE(items.item(1)->Discard);
+  EXPECT_EQ(items.item(1)->HotKey, 0x41);
+  EXPECT_EQ(items.item(2)->HotKey, 0x4000012A);
+  EXPECT_FALSE(items.item(2)->Discard);
+  EXPECT_TRUE(items.item(3)->Discard);
+  EXPECT_EQ(items.item(3)->HotKey, 0x4000012A);
+
+  // Written back: braille codes carry no Discard bit, and go to the profile.
+  const std::string written = Serialize(*read.root);
+  EXPECT_EQ(written, Record(0, 0x80000041u, "Keyboard", "SayLine") + Record(0, 0x4000012Au, "Button", "Beep") +
+                         Record(0, 0x4000012Au, "Both", "Both") + Record(0, 0, "Plain", ""));
+  EXPECT_EQ(braille_, "Beep=298;Both=298;");
+}
+
+TEST_F(MenuFileTest, LevelRules) {
+  const struct {
+    std::vector<int16_t> levels;
+    const char* shape;
+    bool complete;
+  } cases[] = {
+      {{0, 0, 0}, "a[256]b[257]c[258]", true},
+      {{0, 2}, "a[256](b[257])", true},
+      {{5, 5}, "a[256]b[257]", true},
+      {{0, 1, 2, 0}, "a[256](b[257](c[258]))d[259]", true},
+      // A jump down of more than one level is one level deeper, but the way
+      // back up counts every level: here f would have to go above the root.
+      {{0, 1, 2, 1, 3, 0}, "a[256](b[257](c[258])d[259](e[260]))", false},
+      {{0, 1, -1}, "a[256](b[257])", false},
+      {{-1}, "", false},
+      {{0, -32768}, "a[256]", false},
+      {{0, 32767, 32767, 0}, "a[256](b[257]c[258])", false},
+      {{0, 32767, 32767, 32766}, "a[256](b[257]c[258])d[259]", true},
+  };
+  for (const auto& c : cases) {
+    std::string bytes;
+    char caption = 'a';
+    for (int16_t level : c.levels) bytes += Record(level, 0, std::string(1, caption++), "");
+    const auto read = Parse(bytes);
+    EXPECT_EQ(Shape(*read.root), c.shape) << bytes.size();
+    EXPECT_EQ(read.complete, c.complete) << c.shape;
+  }
+}
+
+TEST_F(MenuFileTest, EveryCutOfAFileReadsWhatWasWhole) {
+  const std::string whole = Record(0, 0, "File", "") + Record(1, 0x123, "Open", "open.vbs") + Record(0, 0, "End", "x");
+  for (size_t cut = 0; cut <= whole.size(); ++cut) {
+    const auto read = Parse(whole.substr(0, cut));
+    const bool onBoundary = cut == 0 || cut == 14 || cut == 36 || cut == whole.size();
+    EXPECT_EQ(read.complete, onBoundary) << cut;
+  }
+  EXPECT_EQ(Shape(*Parse(whole.substr(0, 33)).root), "File[256]");
+  // A length that points past the end.
+  EXPECT_FALSE(Parse("\x00\x00\x00\x00\x00\x00\xFF\xFF" "abc"s).complete);
+}
+
+TEST_F(MenuFileTest, DeepAndOverlongTrees) {
+  auto root = cMenuItem::New();
+  cMenuItem* last = root.get();
+  for (int i = 0; i < 40000; ++i) last = last->SubItems.Add(1, last, cMenuItem::New()).get();
+  EXPECT_FALSE(SerializeMenu(*root, page_, nullptr).has_value());  // deeper than a level can say
+
+  auto wide = cMenuItem::New();
+  wide->SubItems.Add(1, wide.get(), cMenuItem::New())->Caption = std::wstring(65536, L'x');
+  EXPECT_FALSE(SerializeMenu(*wide, page_, nullptr).has_value());
+  wide->SubItems.item(1)->Caption.pop_back();
+  EXPECT_TRUE(SerializeMenu(*wide, page_, nullptr).has_value());
+}
+
+TEST_F(MenuFileTest, TextsUseTheCodePage) {
+  BuiltinCodePage central(1250);
+  int32_t counter = 0;
+  const auto read = ParseMenu(Record(0, 0, "\x8Elu\x9Dou\xE8k\xFD", "\xE8ti"), central, nullptr, counter);
+  EXPECT_EQ(read.root->SubItems.item(1)->Caption, L"Žluťoučký");
+  EXPECT_EQ(read.root->SubItems.item(1)->Action, L"čti");
+}
+
+class MenuFilesOnDiskTest : public ::testing::Test {
+ protected:
+  BuiltinCodePage page_{1252};
+  PortableProfile profile_{page_};
+  cDefActions defs_{page_, profile_};
+  test::TempFolder dir_;
+};
+
+TEST_F(MenuFilesOnDiskTest, ReadWriteAndTheBrailleProfile) {
+  bool complete = false;
+  EXPECT_EQ(defs_.InitCommandDef(dir_.Path(L"none.mnu"), L"", &complete), nullptr);
+  dir_.Write(L"empty.mnu", "");
+  auto empty = defs_.InitCommandDef(dir_.Path(L"empty.mnu"), L"", &complete);
+  ASSERT_NE(empty, nullptr);
+  EXPECT_EQ(empty->SubItems.Count(), 0);
+  EXPECT_TRUE(complete);
+
+  auto root = cMenuItem::New();
+  for (int32_t code : {0x4000012A, 0x40000003, 0x4000000F}) {
+    auto item = root->SubItems.Add(1, root.get(), cMenuItem::New());
+    item->Caption = L"item";
+    item->Action = code == 0x4000000F ? L"Other" : L"Same";
+    item->HotKey = code;
+  }
+  const std::wstring ini = dir_.Path(L"Focus 40.ini");
+  ASSERT_TRUE(defs_.FlushCommand2Def(dir_.Path(L"Command.mnu"), ini, *root));
+  EXPECT_EQ(dir_.Read(L"Focus 40.ini"), "[Actions]\r\nSame=3\r\nOther=F\r\n");  // the later "Same" wins
+
+  defs_.ItemCounter = 128;
+  auto read = defs_.InitCommandDef(dir_.Path(L"Command.mnu"), ini, &complete);
+  EXPECT_EQ(read->SubItems.item(1)->HotKey, 0x40000003);
+  EXPECT_EQ(read->SubItems.item(3)->HotKey, 0x4000000F);
+  EXPECT_EQ(read->SubItems.item(1)->MenuId, 128);
+  // Without the profile, or without an entry in it, only the braille bit stays.
+  EXPECT_EQ(defs_.InitCommandDef(dir_.Path(L"Command.mnu"), L"", &complete)->SubItems.item(1)->HotKey, 0x40000000);
+  dir_.Write(L"bad.ini", "[Actions]\r\nSame=zz\r\n");
+  EXPECT_EQ(defs_.InitCommandDef(dir_.Path(L"Command.mnu"), dir_.Path(L"bad.ini"))->SubItems.item(3)->HotKey,
+            0x40000000);
+}
+
+TEST_F(MenuFilesOnDiskTest, AFailedWriteKeepsTheOldFile) {
+  dir_.Write(L"Command.mnu", "old bytes");
+  auto root = cMenuItem::New();
+  root->SubItems.Add(1, root.get(), cMenuItem::New())->Caption = std::wstring(70000, L'x');
+  EXPECT_FALSE(defs_.FlushCommand2Def(dir_.Path(L"Command.mnu"), L"", *root));
+  EXPECT_EQ(dir_.Read(L"Command.mnu"), "old bytes");
+  EXPECT_FALSE(defs_.FlushCommand2Def(dir_.Path(L"missing folder\\Command.mnu"), L"", *cMenuItem::New()));
+  EXPECT_FALSE(std::filesystem::exists(dir_.Fs() / "Command.mnu.new~"));
+}
+
+}  // namespace
+}  // namespace nx

@@ -1,0 +1,205 @@
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <vector>
+
+#include "menu/menu_item.h"
+
+namespace nx {
+namespace {
+
+MenuItemPtr Item(const wchar_t* caption) {
+  auto item = cMenuItem::New();
+  item->Caption = caption;
+  return item;
+}
+
+MenuItemPtr Child(cMenuItem& parent, const wchar_t* caption) {
+  return parent.SubItems.Add(1, &parent, Item(caption));
+}
+
+std::wstring Captions(const cMenuItem& item) {
+  std::wstring out;
+  for (const auto& child : item.SubItems) {
+    out += child->Caption;
+    if (child->SubItems.Count()) out += L"(" + Captions(*child) + L")";
+    out += L" ";
+  }
+  return out;
+}
+
+TEST(MenuItems, AddTestsTheFlagForExactlyOne) {
+  auto root = Item(L"root");
+  auto a = Child(*root, L"a");
+  const struct {
+    int16_t flag;
+    bool withReference;
+    bool added;
+    cMenuItem* parent;
+  } cases[] = {{0, true, true, root.get()},  {1, true, true, a.get()}, {1, false, false, nullptr},
+               {-1, true, false, nullptr},   {2, true, false, nullptr}};
+  for (const auto& c : cases) {
+    cMenuItems& list = c.flag == 1 ? a->SubItems : root->SubItems;
+    auto item = Item(L"x");
+    const int before = list.Count();
+    auto result = list.Add(c.flag, c.withReference ? a.get() : nullptr, item);
+    EXPECT_EQ(result != nullptr, c.added) << c.flag;
+    EXPECT_EQ(list.Count(), before + (c.added ? 1 : 0)) << c.flag;
+    if (c.added) {
+      EXPECT_EQ(item->Parent, c.parent) << c.flag;
+      EXPECT_TRUE(list.IsLast(item.get()));
+    }
+  }
+}
+
+TEST(MenuItems, PositionsAndIdentity) {
+  auto root = Item(L"root");
+  EXPECT_FALSE(root->SubItems.IsFirst(root.get()));
+  EXPECT_FALSE(root->SubItems.IsLast(nullptr));
+  auto b = Child(*root, L"b");
+  EXPECT_TRUE(root->SubItems.IsFirst(b.get()) && root->SubItems.IsLast(b.get()));
+  auto twin = Item(L"b");  // equal fields, another item
+  EXPECT_FALSE(root->SubItems.IsFirst(twin.get()));
+  root->SubItems.AddAsFirst(Item(L"a"));
+  root->SubItems.AddAfter(Item(L"c"), 2, L"key");
+  root->SubItems.AddAfter(Item(L"a2"), 1);
+  EXPECT_EQ(Captions(*root), L"a a2 b c ");
+  EXPECT_EQ(root->SubItems.Key(4), L"key");
+  EXPECT_EQ(root->SubItems.item(0), nullptr);
+  EXPECT_EQ(root->SubItems.item(5), nullptr);
+  EXPECT_EQ(root->SubItems.AddAfter(Item(L"far"), 9), nullptr);
+  root->SubItems.Remove(2);
+  root->SubItems.Remove(9);  // out of range: nothing
+  EXPECT_EQ(Captions(*root), L"a b c ");
+}
+
+TEST(MenuItem, InsertAfterAndRemoveItemSearchTheWholeTree) {
+  auto root = Item(L"root");
+  auto file = Child(*root, L"File");
+  auto open = Child(*file, L"Open");
+  auto recent = Child(*file, L"Recent");
+  Child(*recent, L"one");
+  auto edit = Child(*root, L"Edit");
+
+  root->InsertAfter(open.get(), Item(L"Save"));
+  root->InsertAfter(edit.get(), Item(L"View"));
+  root->InsertAfter(Item(L"stranger").get(), Item(L"lost"));
+  root->InsertAfter(nullptr, Item(L"lost"));
+  EXPECT_EQ(Captions(*root), L"File(Open Save Recent(one ) ) Edit View ");
+
+  root->RemoveItem(recent.get());
+  root->RemoveItem(Item(L"Edit").get());  // equal caption, not the same item
+  EXPECT_EQ(Captions(*root), L"File(Open Save ) Edit View ");
+}
+
+TEST(MenuItem, MenuIdsLeaveAGapAfterEverySubtree) {
+  auto root = Item(L"root");
+  auto a = Child(*root, L"a");
+  auto b = Child(*root, L"b");
+  int32_t next = 1;
+  root->CreateMenuId(next);
+  EXPECT_EQ(root->MenuId, 1);
+  EXPECT_EQ(a->MenuId, 2);
+  EXPECT_EQ(b->MenuId, 4);
+  EXPECT_EQ(next, 6);
+
+  auto a1 = Child(*a, L"a1");
+  next = 256;
+  root->CreateMenuId(next);
+  EXPECT_EQ((std::vector<int32_t>{root->MenuId, a->MenuId, a1->MenuId, b->MenuId}),
+            (std::vector<int32_t>{256, 257, 258, 261}));
+
+  next = INT32_MAX - 2;
+  EXPECT_THROW(root->CreateMenuId(next), std::overflow_error);
+}
+
+TEST(MenuItem, SharedItemsOutliveTheTreeAndCyclesAreRefused) {
+  MenuItemPtr clipboard;
+  {
+    auto root = Item(L"root");
+    auto file = Child(*root, L"File");
+    Child(*file, L"Open");
+    clipboard = file;
+    // Neither the item itself nor an ancestor can go into its subtree.
+    EXPECT_EQ(file->SubItems.Add(1, file.get(), file), nullptr);
+    EXPECT_EQ(file->SubItems.AddAsFirst(root), nullptr);
+    EXPECT_EQ(file->SubItems.item(1)->SubItems.AddAfter(file, 0), nullptr);
+  }
+  EXPECT_EQ(clipboard->Parent, nullptr);
+  EXPECT_EQ(Captions(*clipboard), L"Open ");
+  EXPECT_EQ(clipboard->SubItems.item(1)->Parent, clipboard.get());
+}
+
+TEST(MenuItem, DeepTreesAreReleasedWithoutRecursion) {
+  auto root = Item(L"root");
+  cMenuItem* last = root.get();
+  for (int i = 0; i < 1000000; ++i) last = Child(*last, L"deeper").get();
+  int32_t next = 0;
+  root->CreateMenuId(next);
+  EXPECT_EQ(last->MenuId, 1000000);
+  root.reset();  // a recursive release would overflow the stack here
+}
+
+// Records what the menu calls would have made.
+class FakeMenus : public INativeMenus {
+ public:
+  std::vector<std::wstring> log;
+  NativeMenu next = 100;
+  int live = 0;
+  NativeMenu CreatePopup() override {
+    ++live;
+    log.push_back(L"create " + std::to_wstring(next));
+    return next++;
+  }
+  void AppendPopup(NativeMenu menu, NativeMenu child, const std::wstring& label) override {
+    log.push_back(std::to_wstring(menu) + L" popup " + std::to_wstring(child) + L" " + label);
+  }
+  void AppendCommand(NativeMenu menu, int id, const std::wstring& label) override {
+    log.push_back(std::to_wstring(menu) + L" command " + std::to_wstring(id) + L" " + label);
+  }
+  void Destroy(NativeMenu menu) override {
+    --live;
+    log.push_back(L"destroy " + std::to_wstring(menu));
+  }
+};
+
+TEST(MenuItem, CreateMenuBuildsNestedPopups) {
+  FakeMenus menus;
+  auto root = Item(L"root");
+  auto file = Child(*root, L"File");
+  auto sub = Child(*file, L"Sub");
+  auto deep = Child(*sub, L"Deep");
+  deep->MenuId = 7;
+  deep->HotKey = 5;
+  auto plain = Child(*root, L"Plain");
+  plain->MenuId = 9;
+  auto text = [](int32_t code) { return code ? L"key" + std::to_wstring(code) : std::wstring(); };
+
+  EXPECT_EQ(root->CreateMenu(menus, text), 100u);
+  EXPECT_EQ(menus.log, (std::vector<std::wstring>{L"create 100", L"create 101", L"create 102", L"102 command 7 Deep\tkey5",
+                                                  L"101 popup 102 Sub", L"100 popup 101 File", L"100 command 9 Plain"}));
+  menus.log.clear();
+  root->CreateMenu(menus, text);  // the old pop-ups go first
+  EXPECT_EQ(menus.log.front(), L"destroy 100");
+  root->DestroyMenu();
+  root->DestroyMenu();  // nothing is destroyed twice
+  root.reset();
+  file.reset();
+  sub.reset();
+  deep.reset();
+  plain.reset();
+  EXPECT_EQ(menus.live, 0);  // every pop-up destroyed exactly once
+}
+
+TEST(NamedPoint, Dump) {
+  cNamedPoint p;
+  p.Name = L"home";
+  p.X = 10;
+  p.Y = 20;
+  p.Text = L"top";
+  p.Number = 3;
+  EXPECT_EQ(p.Dump(), L"home; 10; 20; top; 3");
+}
+
+}  // namespace
+}  // namespace nx
