@@ -1,0 +1,207 @@
+#include "defs/def_actions.h"
+
+#include <stdexcept>
+#include <system_error>
+
+#include "defs/def_text.h"
+#include "menu/menu_file.h"
+#include "platform/folders.h"
+#include "platform/text.h"
+#include "startup/string_table.h"
+
+namespace nx {
+namespace {
+
+constexpr int kKeyWithoutName = 5025, kShift = 5026, kControl = 5027, kAlt = 5028, kBrailleFrame = 5029;
+constexpr int16_t kNarrixModifier = 0x2000;
+
+}  // namespace
+
+cDefActions::cDefActions(const ICodePage& codePage, IProfile& profile) : codePage_(codePage), profile_(profile) {
+  for (int i = 0; i <= 30; ++i) brailleKeys_[static_cast<size_t>(i)] = L"H" + HexText(1u << i);
+}
+
+void cDefActions::RenderKeyCodeDescrip2List(const std::wstring& path) {
+  auto lines = ReadDefLines(path, codePage_);
+  if (!lines) return;
+  for (std::wstring line : *lines) {
+    const auto code = ParseInt16(NextToken(line, L'='));
+    if (!code || *code < 0 || *code > 255) return;
+    keyNames_[static_cast<size_t>(*code)] = TrimBlanks(NextToken(line, L'='));
+  }
+}
+
+std::wstring cDefActions::GetHotKeyString(int16_t index) const {
+  if (index < 0 || index > 255) throw std::out_of_range("key-name index outside 0..255");
+  return keyNames_[static_cast<size_t>(index)];
+}
+
+bool cDefActions::InitNXactionsDef(const std::wstring& path, cNarrixActions* list) {
+  if (!list) return false;
+  list->Clear();
+  auto lines = ReadDefLines(path, codePage_);
+  if (!lines) return false;
+  auto withoutTabs = [](std::wstring text) {
+    text = TrimBlanks(text);
+    std::wstring out;
+    for (wchar_t c : text)
+      if (c != L'\t') out += c;
+    return out;
+  };
+  for (std::wstring line : *lines) {
+    const std::wstring action = withoutTabs(NextToken(line, L';'));
+    if (action.empty()) continue;
+    const std::wstring comment = withoutTabs(NextToken(line, L';'));
+    list->AddItem(action, comment.empty() ? action : comment);
+  }
+  return true;
+}
+
+void cDefActions::InitBrailleKeyMap(const std::wstring& path) {
+  const bool exists = PathExists(path);
+  auto read = [&](const std::wstring& key, const std::wstring& def) {
+    return exists ? profile_.GetString(L"KeyMap", key, def, path) : def;
+  };
+  for (int i = 0; i <= 30; ++i) {
+    const std::wstring hex = HexText(1u << i);
+    brailleKeys_[static_cast<size_t>(i)] = read(hex, L"H" + hex);
+  }
+  brailleKeys_[31] = read(L"CursorStatus", L"");
+  brailleKeys_[32] = read(L"AuxStatus", L"");
+}
+
+std::wstring cDefActions::ModifierText(int16_t mask, bool longNames) const {
+  std::wstring text;
+  if (mask & kNarrixModifier) {
+    text = L"Narrix";
+    mask &= 0x1FFF;
+  }
+  const struct {
+    int16_t bit;
+    const wchar_t* shortName;
+    int longId;
+  } order[] = {{2, L"C", kControl}, {4, L"A", kAlt}, {1, L"S", kShift}};
+  for (const auto& m : order) {
+    if (!(mask & m.bit)) continue;
+    if (!text.empty()) text += L"+";
+    text += longNames ? LoadResText(m.longId) : m.shortName;
+  }
+  return text;
+}
+
+std::wstring cDefActions::KeyName(const std::wstring& path, int16_t key) {
+  // The table is read again whenever its size or time changes, so an edited
+  // table is seen at once without reading the file on every call.
+  std::error_code sizeError, timeError;
+  const auto fsPath = ToFsPath(path);
+  const uintmax_t size = std::filesystem::file_size(fsPath, sizeError);
+  const auto time = std::filesystem::last_write_time(fsPath, timeError);
+  if (sizeError || timeError) {
+    keyTables_.erase(path);
+    return {};
+  }
+  auto found = keyTables_.find(path);
+  if (found == keyTables_.end() || found->second.size != size || found->second.time != time) {
+    KeyTable table;
+    table.size = size;
+    table.time = time;
+    if (auto lines = ReadDefLines(path, codePage_)) {
+      for (std::wstring line : *lines) {
+        const auto code = ParseInt16(NextToken(line, L'='));
+        if (!code || *code > 255) break;
+        table.names.emplace(*code, TrimBlanks(NextToken(line, L'=')));
+      }
+    }
+    found = keyTables_.insert_or_assign(path, std::move(table)).first;
+  }
+  auto name = found->second.names.find(key);
+  return name == found->second.names.end() ? std::wstring() : name->second;
+}
+
+std::wstring cDefActions::GetKeyCodeAsText(const std::wstring& path, int16_t key, int16_t mask) {
+  if (key == 0 && mask == 0) return {};
+  std::wstring keyText = KeyName(path, key);
+  if (keyText.empty()) keyText = LoadResText(kKeyWithoutName, std::to_wstring(key));
+  std::wstring text = ModifierText(mask, false);
+  if (!text.empty()) text += L"+";
+  return text + keyText;
+}
+
+std::wstring cDefActions::GetKeyCodeAsTextEx(const std::wstring& path, int32_t& code) {
+  if (!(code & kBrailleBit)) {
+    const int32_t key = code % 65536, mask = code / 65536;
+    if (key < -32768 || key > 32767 || mask < -32768 || mask > 32767)
+      throw std::overflow_error("keyboard code does not fit 16 bits");
+    return GetKeyCodeAsText(path, static_cast<int16_t>(key), static_cast<int16_t>(mask));
+  }
+  code &= ~kBrailleBit;
+  std::wstring text;
+  if (!(static_cast<uint32_t>(code) & kDiscardBit)) {
+    for (int i = 0; i <= 30; ++i) {
+      if (!(code & (1 << i))) continue;
+      if (!text.empty()) text += L"+";
+      text += brailleKeys_[static_cast<size_t>(i)];
+    }
+  } else {
+    code = static_cast<int32_t>(static_cast<uint32_t>(code) & ~kDiscardBit);
+    const int32_t row = (code >> 16) & 0x3FFF, cell = code & 0xFFFF;
+    if (cell >= 32767) throw std::overflow_error("status cell number overflow");
+    const std::wstring number = std::to_wstring(cell + 1);
+    if (row & 2)
+      text = ReplaceAll(brailleKeys_[31], L"%1", number);
+    else if (row & 4)
+      text = ReplaceAll(brailleKeys_[32], L"%1", number);
+  }
+  return LoadResText(kBrailleFrame, text);
+}
+
+int32_t cDefActions::ReadHex(const std::wstring& key, int32_t def, const std::wstring& file) const {
+  if (!PathExists(file)) return def;
+  const std::wstring value = profile_.GetString(L"Actions", key, L"", file);
+  if (value.empty()) return def;
+  return ParseHex32(value).value_or(def);
+}
+
+MenuItemPtr cDefActions::InitCommandDef(const std::wstring& menuPath, const std::wstring& braillePath, bool* complete) {
+  if (complete) *complete = true;
+  if (!PathExists(menuPath)) return nullptr;
+  std::string bytes;
+  if (!ReadFileBytes(menuPath, bytes)) {
+    if (complete) *complete = false;
+    return nullptr;
+  }
+  MenuReadResult result = ParseMenu(
+      bytes, codePage_, [&](const std::wstring& action) { return ReadHex(action, 0, braillePath); }, ItemCounter);
+  if (complete) *complete = result.complete;
+  return result.root;
+}
+
+bool cDefActions::FlushCommand2Def(const std::wstring& menuPath, const std::wstring& braillePath,
+                                   const cMenuItem& root) {
+  std::vector<std::pair<std::wstring, uint32_t>> brailleCodes;
+  auto bytes = SerializeMenu(root, codePage_, [&](const std::wstring& action, uint32_t code) {
+    brailleCodes.emplace_back(action, code);
+  });
+  if (!bytes || !WriteFileBytes(menuPath, *bytes)) return false;
+  if (!braillePath.empty())
+    for (const auto& [action, code] : brailleCodes) profile_.WriteString(L"Actions", action, HexText(code), braillePath);
+  return true;
+}
+
+cDefServer::cDefServer(const ICodePage& codePage, IProfile& profile, std::wstring folder)
+    : codePage_(codePage), profile_(profile), folder_(std::move(folder)) {}
+
+cDefActions& cDefServer::DefActions() {
+  if (!actions_) actions_ = std::make_unique<cDefActions>(codePage_, profile_);
+  return *actions_;
+}
+
+std::wstring cDefServer::FormatKeycode(int16_t key, int16_t mask) {
+  return DefActions().GetKeyCodeAsText(folder_ + L"gKeyCode.def", key, mask);
+}
+
+std::wstring cDefServer::FormatKeycodeEx(int32_t& code) {
+  return DefActions().GetKeyCodeAsTextEx(folder_ + L"gKeyCode.def", code);
+}
+
+}  // namespace nx
