@@ -30,8 +30,10 @@ void TempFolder::Write(const std::wstring& relative, const std::string& bytes) c
   out << bytes;
 }
 
-std::string TempFolder::Read(const std::wstring& relative) const {
-  std::ifstream in(ToFsPath(Path(relative)), std::ios::binary);
+std::string TempFolder::Read(const std::wstring& relative) const { return ReadPath(ToFsPath(Path(relative))); }
+
+std::string TempFolder::ReadPath(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 

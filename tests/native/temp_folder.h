@@ -19,6 +19,7 @@ class TempFolder {
   std::filesystem::path Fs() const { return root_; }
   void Write(const std::wstring& relative, const std::string& bytes) const;
   std::string Read(const std::wstring& relative) const;
+  static std::string ReadPath(const std::filesystem::path& path);
 
  private:
   std::filesystem::path root_;

@@ -1,0 +1,27 @@
+// Menus as JSON: {"items": [ITEM, ...], "complete": BOOL}, where ITEM is
+// {"caption", "action", "hotKey", "discard", "items"} and, in dumps,
+// "menuId" and "hotKeyText" too. Texts are UTF-8.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "cli/json.h"
+#include "menu/menu_item.h"
+
+namespace nx {
+
+struct MenuJsonOptions {
+  bool withIds = false;                                  // add "menuId"
+  std::function<std::wstring(int32_t)> hotKeyText;       // add "hotKeyText" when set
+};
+
+// The tree below `root` as one JSON document, two-space indented.
+std::string MenuToJson(const cMenuItem& root, bool complete, const MenuJsonOptions& options);
+
+// A tree from a JSON document; null with `error` naming the place and the
+// problem when the document is not a menu. "menuId", "hotKeyText" and
+// "complete" are accepted and ignored, so a dump reads back.
+MenuItemPtr MenuFromJson(const JsonValue& document, std::string& error);
+
+}  // namespace nx

@@ -1,0 +1,131 @@
+// The nxmenu program as administrators use it: exit codes, messages and
+// round trips through JSON.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+
+#include "temp_folder.h"
+
+namespace nx {
+namespace {
+
+struct CliRun {
+  int status;
+  std::string out;  // standard output and standard error together
+};
+
+CliRun Nxmenu(const std::string& args) {
+  const std::string command = std::string(NXMENU_PATH) + " " + args + " 2>&1";
+  CliRun run{-1, ""};
+  FILE* pipe = popen(command.c_str(), "r");
+  if (!pipe) return run;
+  char buffer[4096];
+  for (size_t n; (n = fread(buffer, 1, sizeof(buffer), pipe)) > 0;) run.out.append(buffer, n);
+  const int status = pclose(pipe);
+  run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return run;
+}
+
+std::string Q(const std::filesystem::path& p) { return "'" + p.string() + "'"; }
+
+const std::filesystem::path kDemo = NX_DEMO_DIR;
+
+TEST(Nxmenu, DemoMenusRoundTripByteForByte) {
+  test::TempFolder dir;
+  int menus = 0;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(kDemo)) {
+    if (entry.path().filename() != "Command.mnu") continue;
+    ++menus;
+    const auto braille = entry.path().parent_path() / "Focus 40.ini";
+    const auto json = dir.Fs() / "menu.json", copy = dir.Fs() / "copy.mnu";
+    std::filesystem::copy_file(braille, dir.Fs() / "copy.ini", std::filesystem::copy_options::overwrite_existing);
+    CliRun toJson = Nxmenu("to-json " + Q(entry.path()) + " --braille " + Q(braille) + " > " + Q(json));
+    ASSERT_EQ(toJson.status, 0) << toJson.out;
+    CliRun fromJson = Nxmenu("from-json " + Q(json) + " " + Q(copy) + " --braille " + Q(dir.Fs() / "copy.ini"));
+    ASSERT_EQ(fromJson.status, 0) << fromJson.out;
+    EXPECT_EQ(dir.Read(L"copy.mnu"), test::TempFolder::ReadPath(entry.path())) << entry.path();
+    EXPECT_EQ(dir.Read(L"copy.ini"), test::TempFolder::ReadPath(braille)) << braille;
+  }
+  EXPECT_EQ(menus, 4);
+}
+
+TEST(Nxmenu, DumpShowsTheTreeWithKeyNames) {
+  const auto set = kDemo / "Set";
+  CliRun run = Nxmenu("dump " + Q(set / "notepad" / "Command.mnu") + " --keys " + Q(set / "gKeyCode.def") +
+                   " --braille " + Q(set / "notepad" / "Focus 40.ini"));
+  ASSERT_EQ(run.status, 0) << run.out;
+  EXPECT_NE(run.out.find("Read  #256\n  Current line  -> SayLine  key: Narrix+Up Arrow  discard  #257\n"),
+            std::string::npos)
+      << run.out;
+  EXPECT_NE(run.out.find("key: [Dot 2+Dot 4+Space]"), std::string::npos) << run.out;
+  CliRun json = Nxmenu("dump " + Q(set / "Command.mnu") + " --json --base 128");
+  EXPECT_NE(json.out.find("\"menuId\": 128"), std::string::npos) << json.out;
+  EXPECT_NE(json.out.find("\"complete\": true"), std::string::npos);
+}
+
+TEST(Nxmenu, ProblemsAndExitCodes) {
+  test::TempFolder dir;
+  dir.Write(L"bad.json", R"({"items": [{"caption": "x", "hotKey": 4294967296}]})");
+  dir.Write(L"broken.json", "{\"items\": [");
+  dir.Write(L"dup.json", R"({"items": [{"caption": "Tools", "action": "x", "hotKey": 65, "items": [
+      {"caption": "A", "action": "SayLine", "hotKey": 66}, {"caption": "B", "action": "SayWord", "hotKey": 66}]}]})");
+  const std::string d = dir.Fs().string() + "/";
+  const struct {
+    std::string args;
+    int status;
+    const char* message;
+  } cases[] = {
+      {"", 2, "no command"},
+      {"frobnicate", 2, "unknown command frobnicate"},
+      {"dump", 2, "give one menu file"},
+      {"dump a b --wat", 2, "unknown option --wat"},
+      {"dump --codepage 437 x", 2, "--codepage must be 1250 or 1252"},
+      {"dump " + d + "none.mnu", 1, "none.mnu: no such menu file"},
+      {"from-json " + d + "bad.json " + d + "out.mnu", 1, "items[0].hotKey: must be a whole number"},
+      {"from-json " + d + "broken.json " + d + "out.mnu", 1, "line 1, column 12: the document ends too early"},
+      {"from-json " + d + "none.json " + d + "out.mnu", 1, "none.json: cannot be read"},
+      {"format-key 12x", 2, "12x is not a code"},
+      {"format-key 0x80000041", 1, "not a hot-key code that a menu can hold"},
+      {"format-key 0x40000005", 0, "[H1+H4]"},
+      {"format-key 196724 --keys " + Q(kDemo / "Set" / "gKeyCode.def"), 0, "C+S+F5"},
+      {"check " + Q(kDemo) + " --braille 'Focus 40'", 0, ""},
+      {"check " + d, 1, "not an installation"},
+      {"--help", 0, "usage: nxmenu COMMAND"},
+      {"check --help", 0, "pull-down item that carries"},
+  };
+  for (const auto& c : cases) {
+    CliRun run = Nxmenu(c.args);
+    EXPECT_EQ(run.status, c.status) << c.args << "\n" << run.out;
+    EXPECT_NE(run.out.find(c.message), std::string::npos) << c.args << "\n" << run.out;
+  }
+  EXPECT_FALSE(std::filesystem::exists(dir.Fs() / "out.mnu"));
+
+  ASSERT_EQ(Nxmenu("from-json " + d + "dup.json " + d + "dup.mnu").status, 0);
+  dir.Write(L"cut.mnu", dir.Read(L"dup.mnu").substr(0, 30));
+  CliRun check = Nxmenu("check " + d + "dup.mnu");
+  EXPECT_EQ(check.status, 1);
+  EXPECT_NE(check.out.find("pull-down \"Tools\" carries the action \"x\""), std::string::npos) << check.out;
+  EXPECT_NE(check.out.find("pull-down \"Tools\" carries the hot key key(65)"), std::string::npos) << check.out;
+  EXPECT_NE(check.out.find("hot key key(66) is used by \"A\", \"B\""), std::string::npos) << check.out;
+  CliRun cut = Nxmenu("check " + d + "cut.mnu");
+  EXPECT_NE(cut.out.find("does not read completely"), std::string::npos) << cut.out;
+  CliRun dumpCut = Nxmenu("to-json " + d + "cut.mnu");
+  EXPECT_EQ(dumpCut.status, 1);
+  EXPECT_NE(dumpCut.out.find("\"complete\": false"), std::string::npos) << dumpCut.out;
+}
+
+TEST(Nxmenu, CodePages) {
+  test::TempFolder dir;
+  dir.Write(L"cz.json", R"({"items": [{"caption": "Žluťoučký kůň", "action": "SayLine"}]})");
+  const std::string d = dir.Fs().string() + "/";
+  ASSERT_EQ(Nxmenu("from-json " + d + "cz.json " + d + "cz.mnu --codepage 1250").status, 0);
+  EXPECT_NE(dir.Read(L"cz.mnu").find("\x8Elu\x9Dou\xE8k\xFD k\xF9\xF2"), std::string::npos);
+  EXPECT_NE(Nxmenu("dump " + d + "cz.mnu --codepage 1250").out.find("Žluťoučký kůň"), std::string::npos);
+  // In 1252 the Czech letters that code page lacks cannot be stored.
+  ASSERT_EQ(Nxmenu("from-json " + d + "cz.json " + d + "west.mnu --codepage 1252").status, 0);
+  EXPECT_NE(Nxmenu("dump " + d + "west.mnu").out.find("Žlu?ou?ký k??"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace nx
