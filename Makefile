@@ -17,12 +17,15 @@ native: setup
 	cmake -S . -B $(NATIVE) -DCMAKE_BUILD_TYPE=RelWithDebInfo
 	cmake --build $(NATIVE) -j $(JOBS)
 
-win: setup
-	cmake -S . -B $(WIN) -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64.cmake -DCMAKE_BUILD_TYPE=Release
+# The Windows tests use the demo installation that the native build lays out
+# (its menus are made by the native nxmenu).
+win: setup native
+	cmake -S . -B $(WIN) -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64.cmake -DCMAKE_BUILD_TYPE=Release \
+	  -DNX_DEMO_DIR=$(abspath $(NATIVE)/demo)
 	cmake --build $(WIN) -j $(JOBS)
 
 run: win
-	bash scripts/run.sh $(WIN)/bin demo $(BUILD)/demo/Narrix $(BUILD)/wine $(ARGS)
+	bash scripts/run.sh $(WIN)/bin $(NATIVE)/demo $(BUILD)/demo/Narrix $(BUILD)/wine $(ARGS)
 
 test: test-native test-wine
 
@@ -33,7 +36,7 @@ test-wine: win
 	cd $(WIN) && ctest --output-on-failure -j $(JOBS)
 
 screenshots: win
-	bash scripts/screenshots.sh $(WIN)/bin demo $(BUILD)/screenshots docs
+	bash scripts/screenshots.sh $(WIN)/bin $(NATIVE)/demo $(BUILD)/screenshots docs
 
 clean:
 	rm -rf $(BUILD)

@@ -1,0 +1,2 @@
+' summary: a script of the demo excel menu
+WScript.Echo "summary"

@@ -1,0 +1,2 @@
+' datetime: a script of the demo notepad menu
+WScript.Echo "datetime"

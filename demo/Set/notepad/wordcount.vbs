@@ -1,0 +1,2 @@
+' wordcount: a script of the demo notepad menu
+WScript.Echo "wordcount"

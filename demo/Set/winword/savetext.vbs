@@ -1,0 +1,2 @@
+' savetext: a script of the demo winword menu
+WScript.Echo "savetext"
