@@ -21,7 +21,7 @@ native: setup
 # (its menus are made by the native nxmenu).
 win: setup native
 	cmake -S . -B $(WIN) -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64.cmake -DCMAKE_BUILD_TYPE=Release \
-	  -DNX_DEMO_DIR=$(abspath $(NATIVE)/demo)
+	  -DNX_DEMO_DIR=$(abspath $(NATIVE)/demo) -DNX_NATIVE_NXMENU=$(abspath $(NATIVE)/bin/nxmenu)
 	cmake --build $(WIN) -j $(JOBS)
 
 run: win

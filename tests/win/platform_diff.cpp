@@ -12,6 +12,8 @@
 #include "platform/folders.h"
 #include "platform/profile.h"
 #include "platform/text.h"
+#include "menu/menu_item.h"
+#include "platform/win32_native_menus.h"
 #include "platform/win32_profile.h"
 #include "startup/string_table.h"
 
@@ -190,6 +192,40 @@ void StringTables() {
   }
 }
 
+std::wstring MenuLabel(HMENU menu, UINT position) {
+  char text[256] = {};
+  GetMenuStringA(menu, position, text, sizeof(text), MF_BYPOSITION);
+  return nx::SystemCodePage().ToWide(text);
+}
+
+// A tree made into a real pop-up menu reads back as the tree.
+void NativeMenus() {
+  auto root = nx::cMenuItem::New();
+  auto file = root->SubItems.Add(1, root.get(), nx::cMenuItem::New());
+  file->Caption = L"Soubor";
+  auto open = file->SubItems.Add(1, file.get(), nx::cMenuItem::New());
+  open->Caption = L"Open";
+  open->MenuId = 257;
+  open->HotKey = 1;
+  auto quit = root->SubItems.Add(1, root.get(), nx::cMenuItem::New());
+  quit->Caption = L"Quit";
+  quit->MenuId = 258;
+  nx::Win32NativeMenus menus;
+  auto text = [](int32_t code) { return code ? std::wstring(L"C+O") : std::wstring(); };
+  for (int round = 0; round < 2; ++round) {  // the second build replaces the first
+    HMENU popup = reinterpret_cast<HMENU>(root->CreateMenu(menus, text));
+    Check(IsMenu(popup) && GetMenuItemCount(popup) == 2, "pop-up with two entries");
+    HMENU sub = GetSubMenu(popup, 0);
+    Check(sub && MenuLabel(popup, 0) == L"Soubor", "submenu entry " + Show(MenuLabel(popup, 0)));
+    Check(sub && GetMenuItemID(sub, 0) == 257 && MenuLabel(sub, 0) == L"Open	C+O",
+          "command entry " + Show(MenuLabel(sub, 0)));
+    Check(GetMenuItemID(popup, 1) == 258 && MenuLabel(popup, 1) == L"Quit", "second entry");
+  }
+  HMENU last = reinterpret_cast<HMENU>(root->CreateMenu(menus, text));
+  root->DestroyMenu();
+  Check(!IsMenu(last), "DestroyMenu destroys the pop-up");
+}
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
@@ -202,6 +238,7 @@ int wmain(int argc, wchar_t** argv) {
   ProfileWrites(work);
   CodePages();
   StringTables();
+  NativeMenus();
   std::printf("%d passed, %d failed\n", passed, failed);
   return failed == 0 ? 0 : 1;
 }
