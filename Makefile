@@ -6,7 +6,11 @@ WIN := $(BUILD)/win64
 JOBS ?= 2
 ARGS ?=
 
-.PHONY: all setup native win run test test-native test-wine screenshots clean
+ASAN := $(BUILD)/asan
+FUZZ := $(BUILD)/fuzz
+FUZZ_SECONDS ?= 60
+
+.PHONY: all setup native win run test test-native test-asan test-wine fuzz screenshots clean
 
 all: native win
 
@@ -27,10 +31,26 @@ win: setup native
 run: win
 	bash scripts/run.sh $(WIN)/bin $(NATIVE)/demo $(BUILD)/demo/Narrix $(BUILD)/wine $(ARGS)
 
-test: test-native test-wine
+test: test-native test-asan test-wine
 
 test-native: native
 	cd $(NATIVE) && ctest --output-on-failure -j $(JOBS)
+
+# The native suite once more under AddressSanitizer and UndefinedBehaviorSanitizer.
+test-asan: setup
+	cmake -S . -B $(ASAN) -DCMAKE_BUILD_TYPE=Debug -DNX_SANITIZE=ON
+	cmake --build $(ASAN) -j $(JOBS)
+	cd $(ASAN) && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --output-on-failure -j $(JOBS)
+
+# Each libFuzzer target for FUZZ_SECONDS, starting from the demo menus and tables.
+fuzz: setup native
+	CC=clang CXX=clang++ cmake -S . -B $(FUZZ) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DNX_FUZZ=ON -DNX_BUILD_TESTS=OFF
+	cmake --build $(FUZZ) -j $(JOBS) --target fuzz_menu_reader fuzz_def_tables
+	mkdir -p $(FUZZ)/corpus/menu $(FUZZ)/corpus/tables
+	find $(NATIVE)/demo -name Command.mnu -exec sh -c 'cp "$$1" $(FUZZ)/corpus/menu/$$(echo "$$1" | md5sum | cut -c1-8)' _ {} \;
+	cp $(NATIVE)/demo/Set/*.def "$(NATIVE)/demo/Set/Focus 40.ini" $(FUZZ)/corpus/tables/
+	$(FUZZ)/bin/fuzz_menu_reader -max_total_time=$(FUZZ_SECONDS) -max_len=4096 $(FUZZ)/corpus/menu
+	$(FUZZ)/bin/fuzz_def_tables -max_total_time=$(FUZZ_SECONDS) -max_len=4096 $(FUZZ)/corpus/tables
 
 test-wine: win
 	cd $(WIN) && ctest --output-on-failure -j $(JOBS)
