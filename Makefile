@@ -10,7 +10,7 @@ ASAN := $(BUILD)/asan
 FUZZ := $(BUILD)/fuzz
 FUZZ_SECONDS ?= 60
 
-.PHONY: all setup native win run test test-native test-asan test-wine fuzz screenshots clean
+.PHONY: all setup native win run test test-native test-asan test-wine fuzz bench screenshots clean
 
 all: native win
 
@@ -54,6 +54,10 @@ fuzz: setup native
 
 test-wine: win
 	cd $(WIN) && ctest --output-on-failure -j $(JOBS)
+
+# Speed against baselines measured in the same run (figures: docs/benchmarks.md).
+bench: native
+	$(NATIVE)/bin/menu_bench --benchmark_min_time=1
 
 screenshots: win
 	bash scripts/screenshots.sh $(WIN)/bin $(NATIVE)/demo $(BUILD)/screenshots docs

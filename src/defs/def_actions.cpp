@@ -1,7 +1,6 @@
 #include "defs/def_actions.h"
 
 #include <stdexcept>
-#include <system_error>
 
 #include "defs/def_text.h"
 #include "menu/menu_file.h"
@@ -90,32 +89,35 @@ std::wstring cDefActions::ModifierText(int16_t mask, bool longNames) const {
 }
 
 std::wstring cDefActions::KeyName(const std::wstring& path, int16_t key) {
-  // The table is read again whenever its size or time changes, so an edited
-  // table is seen at once without reading the file on every call.
-  std::error_code sizeError, timeError;
-  const auto fsPath = ToFsPath(path);
-  const uintmax_t size = std::filesystem::file_size(fsPath, sizeError);
-  const auto time = std::filesystem::last_write_time(fsPath, timeError);
-  if (sizeError || timeError) {
-    keyTables_.erase(path);
-    return {};
-  }
+  const auto now = std::chrono::steady_clock::now();
   auto found = keyTables_.find(path);
-  if (found == keyTables_.end() || found->second.size != size || found->second.time != time) {
-    KeyTable table;
-    table.size = size;
-    table.time = time;
-    if (auto lines = ReadDefLines(path, codePage_)) {
-      for (std::wstring line : *lines) {
-        const auto code = ParseInt16(NextToken(line, L'='));
-        if (!code || *code > 255) break;
-        table.names.emplace(*code, TrimBlanks(NextToken(line, L'=')));
+  if (found == keyTables_.end() || now - found->second.checked >= std::chrono::milliseconds(1)) {
+    const auto stamp = StampOf(path);
+    if (found == keyTables_.end() || found->second.stamp != stamp) {
+      KeyTable table;
+      table.stamp = stamp;
+      if (auto lines = stamp ? ReadDefLines(path, codePage_) : std::nullopt) {
+        std::array<bool, 256> seen{};
+        for (std::wstring line : *lines) {
+          const auto code = ParseInt16(NextToken(line, L'='));
+          if (!code || *code > 255) break;
+          const std::wstring name = TrimBlanks(NextToken(line, L'='));
+          if (*code < 0) {
+            table.negative.emplace(*code, name);
+          } else if (!seen[static_cast<size_t>(*code)]) {
+            seen[static_cast<size_t>(*code)] = true;
+            table.names[static_cast<size_t>(*code)] = name;
+          }
+        }
       }
+      found = keyTables_.insert_or_assign(path, std::move(table)).first;
     }
-    found = keyTables_.insert_or_assign(path, std::move(table)).first;
+    found->second.checked = now;
   }
-  auto name = found->second.names.find(key);
-  return name == found->second.names.end() ? std::wstring() : name->second;
+  const KeyTable& table = found->second;
+  if (key >= 0 && key <= 255) return table.names[static_cast<size_t>(key)];
+  auto name = table.negative.find(key);
+  return name == table.negative.end() ? std::wstring() : name->second;
 }
 
 std::wstring cDefActions::GetKeyCodeAsText(const std::wstring& path, int16_t key, int16_t mask) {

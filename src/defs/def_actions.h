@@ -4,7 +4,8 @@
 #pragma once
 
 #include <array>
-#include <filesystem>
+#include <chrono>
+#include <optional>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -13,6 +14,7 @@
 
 #include "menu/menu_item.h"
 #include "platform/code_page.h"
+#include "platform/folders.h"
 #include "platform/profile.h"
 #include "wizard/narrix_actions.h"
 
@@ -42,7 +44,9 @@ class cDefActions {
   const std::wstring& BrailleKeyName(int index) const { return brailleKeys_.at(static_cast<size_t>(index)); }
 
   // "C+S+F5", "Narrix+A+key(255)"; "" for key 0 without modifiers. The key
-  // names come from the table at `path` as it is on disk now.
+  // names come from the table at `path` as it is on disk: the table is read
+  // again when its size or time has changed, looked at no more than once a
+  // millisecond (a file-system call costs more than a whole key text).
   std::wstring GetKeyCodeAsText(const std::wstring& path, int16_t key, int16_t mask);
   // The text of a whole hot-key code: keyboard as above, braille in "[...]".
   // Clears bit 30 (and for status buttons bit 31) in `code`. Throws
@@ -66,9 +70,10 @@ class cDefActions {
   int32_t ReadHex(const std::wstring& key, int32_t def, const std::wstring& file) const;
 
   struct KeyTable {
-    uintmax_t size = 0;
-    std::filesystem::file_time_type time;
-    std::map<int16_t, std::wstring> names;  // first line of each code
+    std::optional<FileStamp> stamp;  // nothing: no such file
+    std::chrono::steady_clock::time_point checked;
+    std::array<std::wstring, 256> names;  // first line of each code 0..255
+    std::map<int16_t, std::wstring> negative;
   };
 
   const ICodePage& codePage_;

@@ -41,26 +41,32 @@ void PutUnsigned(std::string& out, uint32_t v, size_t width) {
   for (size_t i = 0; i < width; ++i) out += static_cast<char>((v >> (8 * i)) & 0xFF);
 }
 
-bool PutText(std::string& out, const std::string& text) {
-  if (text.size() > 0xFFFF) return false;
-  PutUnsigned(out, static_cast<uint32_t>(text.size()), 2);
-  out += text;
+// The text in the code page after its length; encoded straight into the
+// output, and the length filled in afterwards.
+bool PutText(std::string& out, const ICodePage& codePage, const std::wstring& text) {
+  const size_t at = out.size();
+  out.append(2, '\0');
+  codePage.AppendAnsi(text, out);
+  const size_t length = out.size() - at - 2;
+  if (length > 0xFFFF) return false;
+  out[at] = static_cast<char>(length & 0xFF);
+  out[at + 1] = static_cast<char>(length >> 8);
   return true;
 }
 
 // Attaches `item` to the tree according to its level; false when the level
 // leads above the root.
-bool Attach(MenuItemPtr& item, cMenuItem*& last, int previousLevel, int level) {
+bool Attach(MenuItemPtr item, cMenuItem* last, int previousLevel, int level) {
   if (level == previousLevel) {
     cMenuItem* parent = last->Parent;
-    return parent && parent->SubItems.Add(0, last, item);
+    return parent && parent->SubItems.Add(0, last, std::move(item));
   }
   if (level < previousLevel) {
     cMenuItem* target = last->Parent;
     for (int up = previousLevel - level; up > 0 && target; --up) target = target->Parent;
-    return target && target->SubItems.Add(1, target, item);
+    return target && target->SubItems.Add(1, target, std::move(item));
   }
-  return last->SubItems.Add(1, last, item) != nullptr;
+  return last->SubItems.Add(1, last, std::move(item)) != nullptr;
 }
 
 }  // namespace
@@ -95,11 +101,12 @@ MenuReadResult ParseMenu(std::string_view bytes, const ICodePage& codePage,
       break;
     }
     ++counter;
-    if (!Attach(item, last, previousLevel, level)) {
+    cMenuItem* added = item.get();
+    if (!Attach(std::move(item), last, previousLevel, level)) {
       result.complete = false;
       break;
     }
-    last = item.get();
+    last = added;
     previousLevel = level;
   }
   return result;
@@ -128,8 +135,7 @@ std::optional<std::string> SerializeMenu(const cMenuItem& root, const ICodePage&
     if (!braille && item.Discard) keyWord |= kDiscardBit;
     PutUnsigned(out, static_cast<uint32_t>(level), 2);
     PutUnsigned(out, keyWord, 4);
-    if (!PutText(out, codePage.ToAnsi(item.Caption)) || !PutText(out, codePage.ToAnsi(item.Action)))
-      return std::nullopt;
+    if (!PutText(out, codePage, item.Caption) || !PutText(out, codePage, item.Action)) return std::nullopt;
     if (braille && brailleEntry) brailleEntry(item.Action, static_cast<uint32_t>(item.HotKey) & ~static_cast<uint32_t>(kBrailleBit));
     stack.push_back({&item, 1});
   }

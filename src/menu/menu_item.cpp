@@ -58,31 +58,36 @@ MenuItemPtr cMenuItems::Add(int16_t asChild, cMenuItem* reference, MenuItemPtr i
   } else {
     return nullptr;
   }
-  items_.push_back({item, key});
-  return item;
+  return Insert(items_.size(), std::move(item), key);
 }
 
 MenuItemPtr cMenuItems::AddAfter(MenuItemPtr item, int position, const std::wstring& key) {
   if (!item || position < 0 || position > Count() || WouldOwnItself(item.get())) return nullptr;
-  items_.insert(items_.begin() + position, Entry{item, key});
-  return item;
+  return Insert(static_cast<size_t>(position), std::move(item), key);
+}
+
+MenuItemPtr cMenuItems::Insert(size_t index, MenuItemPtr item, const std::wstring& key) {
+  if (!key.empty() && keys_.empty()) keys_.resize(items_.size());
+  if (!keys_.empty()) keys_.insert(keys_.begin() + static_cast<std::ptrdiff_t>(index), key);
+  return *items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(index), std::move(item));
 }
 
 MenuItemPtr cMenuItems::AddAsFirst(MenuItemPtr item, const std::wstring& key) { return AddAfter(item, 0, key); }
 
 MenuItemPtr cMenuItems::item(int position) const {
   if (position < 1 || position > Count()) return nullptr;
-  return items_[static_cast<size_t>(position - 1)].item;
+  return items_[static_cast<size_t>(position - 1)];
 }
 
 std::wstring cMenuItems::Key(int position) const {
-  if (position < 1 || position > Count()) return {};
-  return items_[static_cast<size_t>(position - 1)].key;
+  if (position < 1 || position > Count() || keys_.empty()) return {};
+  return keys_[static_cast<size_t>(position - 1)];
 }
 
 void cMenuItems::Remove(int position) {
   if (position < 1 || position > Count()) return;
   items_.erase(items_.begin() + (position - 1));
+  if (!keys_.empty()) keys_.erase(keys_.begin() + (position - 1));
 }
 
 cMenuItem::cMenuItem() = default;
@@ -93,9 +98,9 @@ cMenuItem::~cMenuItem() {
   // tree hands its children over before it goes.
   std::vector<MenuItemPtr> pending;
   auto takeChildren = [&pending](cMenuItem& item) {
-    for (auto& entry : item.SubItems.items_) {
-      if (entry.item->Parent == &item) entry.item->Parent = nullptr;
-      pending.push_back(std::move(entry.item));
+    for (auto& child : item.SubItems.items_) {
+      if (child->Parent == &item) child->Parent = nullptr;
+      pending.push_back(std::move(child));
     }
     item.SubItems.items_.clear();
   };

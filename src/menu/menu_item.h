@@ -21,11 +21,6 @@ using MenuItemPtr = std::shared_ptr<cMenuItem>;
 // The ordered children of one item, positions counted from 1.
 class cMenuItems {
  public:
-  struct Entry {
-    MenuItemPtr item;
-    std::wstring key;
-  };
-
   explicit cMenuItems(cMenuItem* owner) : owner_(owner) {}
   cMenuItems(const cMenuItems&) = delete;
   cMenuItems& operator=(const cMenuItems&) = delete;
@@ -41,8 +36,8 @@ class cMenuItems {
   MenuItemPtr AddAfter(MenuItemPtr item, int position, const std::wstring& key = L"");
   MenuItemPtr AddAsFirst(MenuItemPtr item, const std::wstring& key = L"");
 
-  bool IsFirst(const cMenuItem* item) const { return !items_.empty() && items_.front().item.get() == item; }
-  bool IsLast(const cMenuItem* item) const { return !items_.empty() && items_.back().item.get() == item; }
+  bool IsFirst(const cMenuItem* item) const { return !items_.empty() && items_.front().get() == item; }
+  bool IsLast(const cMenuItem* item) const { return !items_.empty() && items_.back().get() == item; }
   // The item at `position` (1-based); null outside 1..Count.
   MenuItemPtr item(int position) const;
   int Count() const { return static_cast<int>(items_.size()); }
@@ -51,30 +46,19 @@ class cMenuItems {
   std::wstring Key(int position) const;
 
   // Iteration in order (the enumeration of the tree walks).
-  class const_iterator {
-   public:
-    using Inner = std::vector<Entry>::const_iterator;
-    explicit const_iterator(Inner it) : it_(it) {}
-    const MenuItemPtr& operator*() const { return it_->item; }
-    const_iterator& operator++() {
-      ++it_;
-      return *this;
-    }
-    bool operator!=(const const_iterator& other) const { return it_ != other.it_; }
-
-   private:
-    Inner it_;
-  };
-  const_iterator begin() const { return const_iterator(items_.begin()); }
-  const_iterator end() const { return const_iterator(items_.end()); }
+  using const_iterator = std::vector<MenuItemPtr>::const_iterator;
+  const_iterator begin() const { return items_.begin(); }
+  const_iterator end() const { return items_.end(); }
 
 
  private:
   friend class cMenuItem;
   bool WouldOwnItself(const cMenuItem* item) const;
+  MenuItemPtr Insert(size_t index, MenuItemPtr item, const std::wstring& key);
 
   cMenuItem* owner_;
-  std::vector<Entry> items_;
+  std::vector<MenuItemPtr> items_;
+  std::vector<std::wstring> keys_;  // empty until an item is added with a key, then beside items_
 };
 
 class cMenuItem {

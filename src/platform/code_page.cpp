@@ -34,33 +34,31 @@ const char16_t kCp1250[128] = {
 BuiltinCodePage::BuiltinCodePage(unsigned id) : id_(id == 1250 ? 1250 : 1252), high_(id == 1250 ? kCp1250 : kCp1252) {}
 
 std::wstring BuiltinCodePage::ToWide(std::string_view bytes) const {
-  std::wstring out;
-  out.reserve(bytes.size());
-  for (char ch : bytes) {
-    unsigned char b = static_cast<unsigned char>(ch);
-    out += static_cast<wchar_t>(b < 0x80 ? b : high_[b - 0x80]);
+  std::wstring out(bytes.size(), L'\0');
+  for (size_t i = 0; i < bytes.size(); ++i) {
+    const unsigned char b = static_cast<unsigned char>(bytes[i]);
+    out[i] = static_cast<wchar_t>(b < 0x80 ? b : high_[b - 0x80]);
   }
   return out;
 }
 
+char BuiltinCodePage::Encode(wchar_t c) const {
+  if (static_cast<unsigned>(c) < 0x80) return static_cast<char>(c);
+  for (int i = 0; i < 128; ++i)
+    if (static_cast<unsigned>(high_[i]) == static_cast<unsigned>(c)) return static_cast<char>(0x80 + i);
+  return '?';
+}
+
 std::string BuiltinCodePage::ToAnsi(std::wstring_view text) const {
   std::string out;
-  out.reserve(text.size());
-  for (wchar_t c : text) {
-    if (static_cast<unsigned>(c) < 0x80) {
-      out += static_cast<char>(c);
-      continue;
-    }
-    char mapped = '?';
-    for (int i = 0; i < 128; ++i) {
-      if (static_cast<unsigned>(high_[i]) == static_cast<unsigned>(c)) {
-        mapped = static_cast<char>(0x80 + i);
-        break;
-      }
-    }
-    out += mapped;
-  }
+  AppendAnsi(text, out);
   return out;
+}
+
+void BuiltinCodePage::AppendAnsi(std::wstring_view text, std::string& out) const {
+  const size_t at = out.size();
+  out.resize(at + text.size());
+  for (size_t i = 0; i < text.size(); ++i) out[at + i] = Encode(text[i]);
 }
 
 #ifndef _WIN32

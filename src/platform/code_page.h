@@ -15,6 +15,8 @@ class ICodePage {
   virtual std::wstring ToWide(std::string_view bytes) const = 0;
   // Characters the code page cannot hold become '?'.
   virtual std::string ToAnsi(std::wstring_view text) const = 0;
+  // ToAnsi appended to `out`.
+  virtual void AppendAnsi(std::wstring_view text, std::string& out) const { out += ToAnsi(text); }
 };
 
 // Windows-1250 (Central European) and Windows-1252 (Western) without the
@@ -26,8 +28,11 @@ class BuiltinCodePage final : public ICodePage {
   unsigned Id() const override { return id_; }
   std::wstring ToWide(std::string_view bytes) const override;
   std::string ToAnsi(std::wstring_view text) const override;
+  void AppendAnsi(std::wstring_view text, std::string& out) const override;
 
  private:
+  char Encode(wchar_t c) const;
+
   unsigned id_;
   const char16_t* high_;  // code points of bytes 0x80..0xFF
 };

@@ -3,6 +3,7 @@
 // logic runs under tests on Linux.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -15,6 +16,16 @@ std::filesystem::path ToFsPath(const std::wstring& path);
 // True when anything (file or folder) exists at `path`; errors count as false.
 bool PathExists(const std::wstring& path);
 bool IsFolder(const std::wstring& path);
+
+// The size and modification time of a file, read with one system call;
+// nothing when it is missing or not a file.
+struct FileStamp {
+  uint64_t size = 0;
+  int64_t time = 0;  // in the system's own units
+  bool operator==(const FileStamp& o) const { return size == o.size && time == o.time; }
+  bool operator!=(const FileStamp& o) const { return !(*this == o); }
+};
+std::optional<FileStamp> StampOf(const std::wstring& path);
 
 // Creates one folder. True when it exists afterwards.
 bool CreateFolder(const std::wstring& path);

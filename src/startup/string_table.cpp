@@ -37,8 +37,10 @@ const StringEntry* StringTableEnd() { return std::end(kEntries); }
 void SetUiLanguage(UiLanguage language) { gLanguage = language; }
 
 std::wstring TableText(int id, UiLanguage language) {
-  auto it = std::find_if(std::begin(kEntries), std::end(kEntries), [id](const StringEntry& e) { return e.id == id; });
-  if (it == std::end(kEntries)) return {};
+  // The table is generated in id order.
+  auto it = std::lower_bound(std::begin(kEntries), std::end(kEntries), id,
+                             [](const StringEntry& e, int wanted) { return e.id < wanted; });
+  if (it == std::end(kEntries) || it->id != id) return {};
   return language == UiLanguage::Czech ? it->czech : it->english;
 }
 

@@ -101,15 +101,19 @@ TEST_F(DefsTest, KeyNameTableAndItsEdits) {
   EXPECT_EQ(defs_.GetHotKeyString(14), L"");
   EXPECT_EQ(defs_.GetKeyCodeAsText(dir_.Path(L"bad.def"), 14, 0), L"key(14)");
 
-  // An edited table is seen by the next lookup.
+  // An edited table is seen from a millisecond after the edit.
+  auto later = [] { std::this_thread::sleep_for(std::chrono::milliseconds(2)); };
   EXPECT_EQ(Text(0x74), L"F5");
   dir_.Write(L"gKeyCode.def", "116=Function 5\r\n");
+  later();
   EXPECT_EQ(Text(0x74), L"Function 5");
   dir_.Write(L"gKeyCode.def", "116=Function 6\r\n");  // same size: the time tells
   std::filesystem::last_write_time(dir_.Fs() / "gKeyCode.def",
                                    std::filesystem::last_write_time(dir_.Fs() / "gKeyCode.def") + std::chrono::seconds(1));
+  later();
   EXPECT_EQ(Text(0x74), L"Function 6");
   std::filesystem::remove(dir_.Fs() / "gKeyCode.def");
+  later();
   EXPECT_EQ(Text(0x74), L"key(116)");
 }
 

@@ -1,0 +1,252 @@
+// make bench: the menu file and the key texts against baselines measured in
+// the same run; each pair prints its ratio.
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "defs/def_actions.h"
+#include "menu/menu_file.h"
+#include "platform/folders.h"
+
+namespace {
+
+const nx::BuiltinCodePage kPage(1252);
+
+// A 100,000-item menu: pull-downs of ten entries, every third entry with
+// three entries of its own, captions and actions of realistic length.
+std::string MakeMenuBytes(int items) {
+  auto root = nx::cMenuItem::New();
+  nx::cMenuItem* group = nullptr;
+  nx::cMenuItem* entry = nullptr;
+  for (int i = 0; i < items; ++i) {
+    auto item = nx::cMenuItem::New();
+    item->Caption = L"Menu entry number " + std::to_wstring(i);
+    const int slot = i % 14;
+    if (slot == 0) {
+      group = root->SubItems.Add(1, root.get(), item).get();
+    } else if (slot % 4 == 1) {
+      item->Action = L"shell(wscript.exe \"$(appsetdir)\\script" + std::to_wstring(i) + L".vbs\")";
+      item->HotKey = 0x20020000 | (65 + i % 26);
+      item->Discard = true;
+      entry = group->SubItems.Add(1, group, item).get();
+    } else if (slot % 4 == 2 || slot % 4 == 3) {
+      item->Action = L"SayLine";
+      entry->SubItems.Add(1, entry, item);
+    } else {
+      item->Action = L"SayWord";
+      item->HotKey = 0x00030070 | (i % 12);
+      group->SubItems.Add(1, group, item);
+    }
+  }
+  return *nx::SerializeMenu(*root, kPage, nullptr);
+}
+
+const std::string& MenuBytes() {
+  static const std::string bytes = MakeMenuBytes(100000);
+  return bytes;
+}
+
+// Baseline: walks the records and checks their lengths, building nothing.
+void BM_RawWalk(benchmark::State& state) {
+  const std::string& bytes = MenuBytes();
+  for (auto _ : state) {
+    size_t pos = 0, records = 0;
+    while (pos + 8 <= bytes.size()) {
+      const size_t caption = static_cast<unsigned char>(bytes[pos + 6]) | (static_cast<unsigned char>(bytes[pos + 7]) << 8);
+      pos += 8 + caption;
+      const size_t action = static_cast<unsigned char>(bytes[pos]) | (static_cast<unsigned char>(bytes[pos + 1]) << 8);
+      pos += 2 + action;
+      ++records;
+    }
+    benchmark::DoNotOptimize(records);
+  }
+  state.SetItemsProcessed(state.iterations() * 100000);
+}
+BENCHMARK(BM_RawWalk)->Unit(benchmark::kMillisecond);
+
+// Reading builds the tree; releasing it afterwards is not part of reading.
+void BM_ReadMenu(benchmark::State& state) {
+  const std::string& bytes = MenuBytes();
+  for (auto _ : state) {
+    int32_t counter = 256;
+    auto result = nx::ParseMenu(bytes, kPage, nullptr, counter);
+    benchmark::DoNotOptimize(result.root.get());
+    state.PauseTiming();
+    result.root.reset();
+    state.ResumeTiming();
+  }
+  state.SetItemsProcessed(state.iterations() * 100000);
+}
+BENCHMARK(BM_ReadMenu)->Unit(benchmark::kMillisecond);
+
+struct Flat {
+  uint16_t level;
+  uint32_t keyWord;
+  std::string caption, action;
+};
+
+// Baseline: the same records, already flat and in bytes, appended to a buffer.
+void BM_BufferSerialisation(benchmark::State& state) {
+  int32_t counter = 0;
+  auto root = nx::ParseMenu(MenuBytes(), kPage, nullptr, counter).root;
+  std::vector<Flat> flat;
+  std::vector<std::pair<const nx::cMenuItem*, int>> stack{{root.get(), -1}};
+  while (!stack.empty()) {
+    auto [node, level] = stack.back();
+    stack.pop_back();
+    if (level >= 0)
+      flat.push_back({static_cast<uint16_t>(level), static_cast<uint32_t>(node->HotKey), kPage.ToAnsi(node->Caption),
+                      kPage.ToAnsi(node->Action)});
+    for (int i = node->SubItems.Count(); i >= 1; --i) stack.push_back({node->SubItems.item(i).get(), level + 1});
+  }
+  for (auto _ : state) {
+    std::string out;
+    for (const auto& r : flat) {
+      out.append(reinterpret_cast<const char*>(&r.level), 2);
+      out.append(reinterpret_cast<const char*>(&r.keyWord), 4);
+      const uint16_t c = static_cast<uint16_t>(r.caption.size()), a = static_cast<uint16_t>(r.action.size());
+      out.append(reinterpret_cast<const char*>(&c), 2);
+      out += r.caption;
+      out.append(reinterpret_cast<const char*>(&a), 2);
+      out += r.action;
+    }
+    benchmark::DoNotOptimize(out.data());
+  }
+  state.SetItemsProcessed(state.iterations() * 100000);
+}
+BENCHMARK(BM_BufferSerialisation)->Unit(benchmark::kMillisecond);
+
+void BM_WriteMenu(benchmark::State& state) {
+  int32_t counter = 0;
+  auto root = nx::ParseMenu(MenuBytes(), kPage, nullptr, counter).root;
+  for (auto _ : state) {
+    auto bytes = nx::SerializeMenu(*root, kPage, nullptr);
+    benchmark::DoNotOptimize(bytes->data());
+  }
+  state.SetItemsProcessed(state.iterations() * 100000);
+}
+BENCHMARK(BM_WriteMenu)->Unit(benchmark::kMillisecond);
+
+// The whole save: the bytes, a new file beside the old one, the replacement.
+void BM_WriteMenuFile(benchmark::State& state) {
+  int32_t counter = 0;
+  auto root = nx::ParseMenu(MenuBytes(), kPage, nullptr, counter).root;
+  nx::PortableProfile profile(kPage);
+  nx::cDefActions defs(kPage, profile);
+  const std::wstring path = L"/tmp/nx-bench-Command.mnu";
+  for (auto _ : state) benchmark::DoNotOptimize(defs.FlushCommand2Def(path, L"", *root));
+  std::remove("/tmp/nx-bench-Command.mnu");
+  state.SetItemsProcessed(state.iterations() * 100000);
+}
+BENCHMARK(BM_WriteMenuFile)->Unit(benchmark::kMillisecond);
+
+std::vector<int32_t> MixedCodes() {
+  std::vector<int32_t> codes;
+  codes.reserve(1000000);
+  uint32_t seed = 12345;
+  for (int i = 0; i < 1000000; ++i) {
+    seed = seed * 1103515245u + 12345u;
+    const uint32_t r = seed >> 8;
+    switch (r % 4) {
+      case 0: codes.push_back(static_cast<int32_t>(r % 256)); break;                        // plain key
+      case 1: codes.push_back(static_cast<int32_t>(((r % 8) << 16) | (r % 256))); break;    // with modifiers
+      case 2: codes.push_back(static_cast<int32_t>(0x20000000 | ((r % 8) << 16) | (r % 256))); break;
+      default: codes.push_back(static_cast<int32_t>(0x40000000 | (r & 0x3FF))); break;      // braille buttons
+    }
+  }
+  return codes;
+}
+
+std::wstring KeyTablePath() {
+  static const std::wstring path = [] {
+    std::string text;
+    for (int code = 0; code < 256; ++code) text += std::to_string(code) + "=Key name " + std::to_string(code) + "\r\n";
+    nx::WriteFileBytes(L"/tmp/nx-bench-gKeyCode.def", text);
+    return std::wstring(L"/tmp/nx-bench-gKeyCode.def");
+  }();
+  return path;
+}
+
+// Baseline: the names already in memory, the modifier letters glued on.
+void BM_KeyTextBaseline(benchmark::State& state) {
+  const auto codes = MixedCodes();
+  std::vector<std::wstring> names(256);
+  for (int i = 0; i < 256; ++i) names[static_cast<size_t>(i)] = L"Key name " + std::to_wstring(i);
+  for (auto _ : state) {
+    size_t total = 0;
+    for (int32_t code : codes) {
+      std::wstring text;
+      if (code & 0x20000000) text += L"Narrix+";
+      if (code & 0x20000) text += L"C+";
+      text += names[static_cast<size_t>(code & 0xFF)];
+      total += text.size();
+    }
+    benchmark::DoNotOptimize(total);
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(codes.size()));
+}
+BENCHMARK(BM_KeyTextBaseline)->Unit(benchmark::kMillisecond);
+
+void BM_FormatKeycodeEx(benchmark::State& state) {
+  const auto codes = MixedCodes();
+  nx::PortableProfile profile(kPage);
+  const std::wstring table = KeyTablePath();
+  nx::cDefServer server(kPage, profile, table.substr(0, table.size() - 12));
+  // cDefServer appends "gKeyCode.def" to its folder: point it at the table.
+  server.SetFolder(L"/tmp/nx-bench-");
+  for (auto _ : state) {
+    size_t total = 0;
+    for (int32_t code : codes) {
+      int32_t copy = code;
+      total += server.FormatKeycodeEx(copy).size();
+    }
+    benchmark::DoNotOptimize(total);
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(codes.size()));
+}
+BENCHMARK(BM_FormatKeycodeEx)->Unit(benchmark::kMillisecond);
+
+// Keeps each result so that the ratios can be printed after the table.
+class RatioReporter : public benchmark::ConsoleReporter {
+ public:
+  std::map<std::string, double> seconds, perSecond;
+  void ReportRuns(const std::vector<Run>& runs) override {
+    ConsoleReporter::ReportRuns(runs);
+    for (const auto& run : runs) {
+      seconds[run.benchmark_name()] = run.GetAdjustedRealTime();
+      auto items = run.counters.find("items_per_second");
+      if (items != run.counters.end()) perSecond[run.benchmark_name()] = items->second;
+    }
+  }
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  RatioReporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+  auto ratio = [&](const char* name, const char* baseline, double target) {
+    if (!reporter.seconds.count(name) || !reporter.seconds.count(baseline)) return;
+    const double r = reporter.seconds[name] / reporter.seconds[baseline];
+    if (target <= 0) {
+      std::printf("%-20s %6.2fx %-24s\n", name, r, baseline);
+      return;
+    }
+    std::printf("%-20s %6.2fx %-24s (target at most %.1fx: %s)\n", name, r, baseline, target, r <= target ? "met" : "MISSED");
+  };
+  std::printf("\nRatios to the baselines of this run:\n");
+  ratio("BM_ReadMenu", "BM_RawWalk", 5.0);
+  ratio("BM_WriteMenu", "BM_BufferSerialisation", 3.0);
+  ratio("BM_WriteMenuFile", "BM_BufferSerialisation", 0);
+  ratio("BM_FormatKeycodeEx", "BM_KeyTextBaseline", 0);
+  if (reporter.perSecond.count("BM_FormatKeycodeEx")) {
+    const double rate = reporter.perSecond["BM_FormatKeycodeEx"];
+    std::printf("BM_FormatKeycodeEx   %.2f million key texts a second (target at least 2: %s)\n", rate / 1e6,
+                rate >= 2e6 ? "met" : "MISSED");
+  }
+  return 0;
+}
