@@ -1,7 +1,6 @@
 #include "cli/menu_json.h"
 
 #include <cstdint>
-#include <vector>
 
 #include "platform/text.h"
 
@@ -67,50 +66,39 @@ bool ReadItems(const JsonValue& list, cMenuItem& parent, const std::string& wher
 }  // namespace
 
 std::string MenuToJson(const cMenuItem& root, bool complete, const MenuJsonOptions& options) {
-  // Written without recursion, so that the deepest menu a file can hold
-  // does not exhaust the stack.
   std::string out = "{\n  \"items\": [";
-  struct Frame {
-    const cMenuItem* node;
-    int position;
-  };
-  std::vector<Frame> stack{{&root, 1}};
-  while (!stack.empty()) {
-    Frame& frame = stack.back();
-    const size_t depth = stack.size() * 2;  // the item's own indentation
-    if (frame.position > frame.node->SubItems.Count()) {
-      const bool hadItems = frame.node->SubItems.Count() > 0;
-      stack.pop_back();
-      if (hadItems) {
-        out += "\n";
-        Indent(out, depth - 1);
-      }
-      out += "]";
-      if (!stack.empty()) {
-        out += "\n";
-        Indent(out, depth - 2);
+  WalkTree(
+      root,
+      [&](const cMenuItem& item, size_t level, int position) {
+        const size_t depth = 2 + 2 * level;  // the item's own indentation
+        out += position > 1 ? ",\n" : "\n";
+        Indent(out, depth);
+        out += "{\n";
+        auto field = [&](const char* name, const std::string& value) {
+          Indent(out, depth + 1);
+          out += "\"" + std::string(name) + "\": " + value + ",\n";
+        };
+        field("caption", JsonQuote(WideToUtf8(item.Caption)));
+        field("action", JsonQuote(WideToUtf8(item.Action)));
+        field("hotKey", std::to_string(item.HotKey));
+        field("discard", item.Discard ? "true" : "false");
+        if (options.withIds) field("menuId", std::to_string(item.MenuId));
+        if (options.hotKeyText) field("hotKeyText", JsonQuote(WideToUtf8(options.hotKeyText(item.HotKey))));
+        Indent(out, depth + 1);
+        out += "\"items\": [";
+        return true;
+      },
+      [&](const cMenuItem& item, size_t level) {
+        const size_t depth = 2 + 2 * level;
+        if (item.SubItems.Count() > 0) {
+          out += "\n";
+          Indent(out, depth + 1);
+        }
+        out += "]\n";
+        Indent(out, depth);
         out += "}";
-      }
-      continue;
-    }
-    const cMenuItem& item = *frame.node->SubItems.item(frame.position);
-    out += frame.position++ > 1 ? ",\n" : "\n";
-    Indent(out, depth);
-    out += "{\n";
-    auto field = [&](const char* name, const std::string& value) {
-      Indent(out, depth + 1);
-      out += "\"" + std::string(name) + "\": " + value + ",\n";
-    };
-    field("caption", JsonQuote(WideToUtf8(item.Caption)));
-    field("action", JsonQuote(WideToUtf8(item.Action)));
-    field("hotKey", std::to_string(item.HotKey));
-    field("discard", item.Discard ? "true" : "false");
-    if (options.withIds) field("menuId", std::to_string(item.MenuId));
-    if (options.hotKeyText) field("hotKeyText", JsonQuote(WideToUtf8(options.hotKeyText(item.HotKey))));
-    Indent(out, depth + 1);
-    out += "\"items\": [";
-    stack.push_back({&item, 1});
-  }
+      });
+  out += root.SubItems.Count() > 0 ? "\n  ]" : "]";
   out += ",\n  \"complete\": ";
   out += complete ? "true" : "false";
   out += "\n}\n";

@@ -12,8 +12,8 @@
 namespace nx {
 
 struct MenuJsonOptions {
-  bool withIds = false;                                  // add "menuId"
-  std::function<std::wstring(int32_t)> hotKeyText;       // add "hotKeyText" when set
+  bool withIds = false;                             // add "menuId"
+  std::function<std::wstring(int32_t)> hotKeyText;  // add "hotKeyText" when set
 };
 
 // The tree below `root` as one JSON document, two-space indented.

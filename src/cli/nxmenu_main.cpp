@@ -182,7 +182,8 @@ MenuItemPtr ReadMenu(Tools& tools, const std::wstring& path, const std::wstring&
   if (!IsFolder(path) && PathExists(path)) {
     MenuItemPtr root = tools.defs->InitCommandDef(path, braille, &complete);
     if (!root) Err("nxmenu: " + U8(path) + ": cannot be read\n");
-    if (root && !complete) Err("nxmenu: " + U8(path) + ": the file is damaged; only the items before the damage were read\n");
+    if (root && !complete)
+      Err("nxmenu: " + U8(path) + ": the file is damaged; only the items before the damage were read\n");
     return root;
   }
   Err("nxmenu: " + U8(path) + ": no such menu file\n");
@@ -190,27 +191,19 @@ MenuItemPtr ReadMenu(Tools& tools, const std::wstring& path, const std::wstring&
 }
 
 void DumpText(const cMenuItem& root, cDefActions& defs, const std::wstring& keys) {
-  struct Frame {
-    const cMenuItem* node;
-    int position;
-  };
-  std::vector<Frame> stack{{&root, 1}};
-  while (!stack.empty()) {
-    Frame& frame = stack.back();
-    if (frame.position > frame.node->SubItems.Count()) {
-      stack.pop_back();
-      continue;
-    }
-    const cMenuItem& item = *frame.node->SubItems.item(frame.position++);
-    std::string line((stack.size() - 1) * 2, ' ');
-    line += U8(item.Caption);
-    if (!item.Action.empty()) line += "  -> " + U8(item.Action);
-    if (item.HotKey != 0) line += "  key: " + U8(SafeKeyText(defs, keys, item.HotKey));
-    if (item.Discard) line += "  discard";
-    line += "  #" + std::to_string(item.MenuId) + "\n";
-    Out(line);
-    stack.push_back({&item, 1});
-  }
+  WalkTree(
+      root,
+      [&](const cMenuItem& item, size_t level, int) {
+        std::string line(level * 2, ' ');
+        line += U8(item.Caption);
+        if (!item.Action.empty()) line += "  -> " + U8(item.Action);
+        if (item.HotKey != 0) line += "  key: " + U8(SafeKeyText(defs, keys, item.HotKey));
+        if (item.Discard) line += "  discard";
+        line += "  #" + std::to_string(item.MenuId) + "\n";
+        Out(line);
+        return true;
+      },
+      [](const cMenuItem&, size_t) {});
 }
 
 int Dump(const std::vector<std::wstring>& argv, bool json) {
@@ -282,7 +275,8 @@ int FromJson(const std::vector<std::wstring>& argv) {
     return 1;
   }
   if (!tools.defs->FlushCommand2Def(options.args[1], Value(options, "--braille"), *root)) {
-    Err("nxmenu: " + U8(options.args[1]) + ": cannot be written (a text over 65,535 bytes, or the folder is not writable); the old file is unchanged\n");
+    Err("nxmenu: " + U8(options.args[1]) +
+        ": cannot be written (a text over 65,535 bytes, or the folder is not writable); the old file is unchanged\n");
     return 1;
   }
   return 0;
@@ -314,23 +308,22 @@ int CheckMenu(Tools& tools, const std::wstring& path, const std::wstring& displa
     if (!root) return problems;
   }
   std::map<int32_t, std::vector<std::wstring>> byKey;
-  std::vector<const cMenuItem*> stack{root.get()};
-  while (!stack.empty()) {
-    const cMenuItem* node = stack.back();
-    stack.pop_back();
-    for (int i = node->SubItems.Count(); i >= 1; --i) stack.push_back(node->SubItems.item(i).get());
-    if (node == root.get()) continue;
-    if (node->HotKey != 0) byKey[node->HotKey].push_back(node->Caption);
-    if (node->SubItems.Count() > 0 && !node->Action.empty()) {
-      Out(name + ": pull-down \"" + U8(node->Caption) + "\" carries the action \"" + U8(node->Action) + "\"\n");
-      ++problems;
-    }
-    if (node->SubItems.Count() > 0 && node->HotKey != 0) {
-      Out(name + ": pull-down \"" + U8(node->Caption) + "\" carries the hot key " +
-          U8(SafeKeyText(*tools.defs, keys, node->HotKey)) + "\n");
-      ++problems;
-    }
-  }
+  WalkTree(
+      *root,
+      [&](const cMenuItem& item, size_t, int) {
+        if (item.HotKey != 0) byKey[item.HotKey].push_back(item.Caption);
+        if (item.SubItems.Count() > 0 && !item.Action.empty()) {
+          Out(name + ": pull-down \"" + U8(item.Caption) + "\" carries the action \"" + U8(item.Action) + "\"\n");
+          ++problems;
+        }
+        if (item.SubItems.Count() > 0 && item.HotKey != 0) {
+          Out(name + ": pull-down \"" + U8(item.Caption) + "\" carries the hot key " +
+              U8(SafeKeyText(*tools.defs, keys, item.HotKey)) + "\n");
+          ++problems;
+        }
+        return true;
+      },
+      [](const cMenuItem&, size_t) {});
   for (const auto& [code, captions] : byKey) {
     if (captions.size() < 2) continue;
     std::string line = name + ": hot key " + U8(SafeKeyText(*tools.defs, keys, code)) + " is used by";

@@ -181,12 +181,12 @@ MenuItemPtr cDefActions::InitCommandDef(const std::wstring& menuPath, const std:
 bool cDefActions::FlushCommand2Def(const std::wstring& menuPath, const std::wstring& braillePath,
                                    const cMenuItem& root) {
   std::vector<std::pair<std::wstring, uint32_t>> brailleCodes;
-  auto bytes = SerializeMenu(root, codePage_, [&](const std::wstring& action, uint32_t code) {
-    brailleCodes.emplace_back(action, code);
-  });
+  auto bytes = SerializeMenu(
+      root, codePage_, [&](const std::wstring& action, uint32_t code) { brailleCodes.emplace_back(action, code); });
   if (!bytes || !WriteFileBytes(menuPath, *bytes)) return false;
   if (!braillePath.empty())
-    for (const auto& [action, code] : brailleCodes) profile_.WriteString(L"Actions", action, HexText(code), braillePath);
+    for (const auto& [action, code] : brailleCodes)
+      profile_.WriteString(L"Actions", action, HexText(code), braillePath);
   return true;
 }
 

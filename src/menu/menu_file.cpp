@@ -29,7 +29,8 @@ class Reader {
   bool Unsigned(size_t width, uint32_t& v) {
     if (bytes_.size() - pos_ < width) return false;
     v = 0;
-    for (size_t i = 0; i < width; ++i) v |= static_cast<uint32_t>(static_cast<unsigned char>(bytes_[pos_ + i])) << (8 * i);
+    for (size_t i = 0; i < width; ++i)
+      v |= static_cast<uint32_t>(static_cast<unsigned char>(bytes_[pos_ + i])) << (8 * i);
     pos_ += width;
     return true;
   }
@@ -115,30 +116,23 @@ MenuReadResult ParseMenu(std::string_view bytes, const ICodePage& codePage,
 std::optional<std::string> SerializeMenu(const cMenuItem& root, const ICodePage& codePage,
                                          const std::function<void(const std::wstring&, uint32_t)>& brailleEntry) {
   std::string out;
-  struct Frame {
-    const cMenuItem* node;
-    int position;
-  };
-  std::vector<Frame> stack{{&root, 1}};
-  while (!stack.empty()) {
-    Frame& frame = stack.back();
-    if (frame.position > frame.node->SubItems.Count()) {
-      stack.pop_back();
-      continue;
-    }
-    const cMenuItem& item = *frame.node->SubItems.item(frame.position++);
-    const size_t level = stack.size() - 1;
-    if (level > 0x7FFF) return std::nullopt;
-    uint32_t keyWord = static_cast<uint32_t>(item.HotKey);
-    const bool braille = (item.HotKey & kBrailleBit) != 0;
-    // A braille code has no room for Discard: it reads back as false.
-    if (!braille && item.Discard) keyWord |= kDiscardBit;
-    PutUnsigned(out, static_cast<uint32_t>(level), 2);
-    PutUnsigned(out, keyWord, 4);
-    if (!PutText(out, codePage, item.Caption) || !PutText(out, codePage, item.Action)) return std::nullopt;
-    if (braille && brailleEntry) brailleEntry(item.Action, static_cast<uint32_t>(item.HotKey) & ~static_cast<uint32_t>(kBrailleBit));
-    stack.push_back({&item, 1});
-  }
+  const bool whole = WalkTree(
+      root,
+      [&](const cMenuItem& item, size_t level, int) {
+        if (level > 0x7FFF) return false;
+        uint32_t keyWord = static_cast<uint32_t>(item.HotKey);
+        const bool braille = (item.HotKey & kBrailleBit) != 0;
+        // A braille code has no room for Discard: it reads back as false.
+        if (!braille && item.Discard) keyWord |= kDiscardBit;
+        PutUnsigned(out, static_cast<uint32_t>(level), 2);
+        PutUnsigned(out, keyWord, 4);
+        if (!PutText(out, codePage, item.Caption) || !PutText(out, codePage, item.Action)) return false;
+        if (braille && brailleEntry)
+          brailleEntry(item.Action, static_cast<uint32_t>(item.HotKey) & ~static_cast<uint32_t>(kBrailleBit));
+        return true;
+      },
+      [](const cMenuItem&, size_t) {});
+  if (!whole) return std::nullopt;
   return out;
 }
 

@@ -16,8 +16,8 @@
 namespace nx {
 
 struct MenuReadResult {
-  MenuItemPtr root;       // "[root]" with the items as its subtree
-  bool complete = true;   // false when the read stopped at damaged data
+  MenuItemPtr root;      // "[root]" with the items as its subtree
+  bool complete = true;  // false when the read stopped at damaged data
 };
 
 // Builds the tree from file bytes. Items get MenuIds from `counter` in file

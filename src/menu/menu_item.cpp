@@ -156,26 +156,17 @@ void cMenuItem::RemoveItem(const cMenuItem* item) {
 }
 
 void cMenuItem::CreateMenuId(int32_t& next) {
-  struct Frame {
-    cMenuItem* node;
-    int position;
-  };
   MenuId = next;
   next = Increment(next);
-  std::vector<Frame> stack{{this, 1}};
-  while (!stack.empty()) {
-    Frame& frame = stack.back();
-    if (frame.position <= frame.node->SubItems.Count()) {
-      cMenuItem* child = frame.node->SubItems.item(frame.position++).get();
-      child->MenuId = next;
-      next = Increment(next);
-      stack.push_back({child, 1});
-    } else {
-      stack.pop_back();
+  WalkTree(
+      *this,
+      [&next](cMenuItem& item, size_t, int) {
+        item.MenuId = next;
+        next = Increment(next);
+        return true;
+      },
       // One number is left unused after every child's subtree.
-      if (!stack.empty()) next = Increment(next);
-    }
-  }
+      [&next](cMenuItem&, size_t) { next = Increment(next); });
 }
 
 std::wstring cNamedPoint::Dump() const {

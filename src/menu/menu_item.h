@@ -50,7 +50,6 @@ class cMenuItems {
   const_iterator begin() const { return items_.begin(); }
   const_iterator end() const { return items_.end(); }
 
-
  private:
   friend class cMenuItem;
   bool WouldOwnItself(const cMenuItem* item) const;
@@ -100,6 +99,34 @@ class cMenuItem {
   NativeMenu popup_ = 0;
   INativeMenus* menus_ = nullptr;
 };
+
+// Visits every item below `root` in pre-order, without recursion so that
+// trees of any depth are safe: enter(item, depth, position) before the item's
+// children (depth 0 for the root's children, position from 1 among its
+// siblings), leave(item, depth) after them. The walk stops when enter
+// returns false. `Item` is cMenuItem or const cMenuItem.
+template <typename Item, typename Enter, typename Leave>
+bool WalkTree(Item& root, Enter enter, Leave leave) {
+  struct Frame {
+    Item* node;
+    int position;
+  };
+  std::vector<Frame> stack{{&root, 1}};
+  while (!stack.empty()) {
+    Frame& frame = stack.back();
+    if (frame.position > frame.node->SubItems.Count()) {
+      Item* done = frame.node;
+      stack.pop_back();
+      if (!stack.empty()) leave(*done, stack.size() - 1);
+      continue;
+    }
+    const int position = frame.position++;
+    Item* child = frame.node->SubItems.item(position).get();
+    if (!enter(*child, stack.size() - 1, position)) return false;
+    stack.push_back({child, 1});
+  }
+  return true;
+}
 
 // A named point beside the tree: name, a second text and three numbers.
 class cNamedPoint {

@@ -10,6 +10,8 @@ namespace nx {
 
 std::wstring Utf8ToWide(std::string_view utf8);
 std::string WideToUtf8(std::wstring_view text);
+// Appends one Unicode code point to `out` in UTF-8.
+void AppendUtf8(std::string& out, char32_t codePoint);
 
 // Upper-cases the way names are compared here: Latin, Czech, Slovak and the
 // rest of Latin-1 / Latin Extended-A, Greek and Cyrillic; other characters

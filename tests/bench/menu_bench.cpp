@@ -55,7 +55,8 @@ void BM_RawWalk(benchmark::State& state) {
   for (auto _ : state) {
     size_t pos = 0, records = 0;
     while (pos + 8 <= bytes.size()) {
-      const size_t caption = static_cast<unsigned char>(bytes[pos + 6]) | (static_cast<unsigned char>(bytes[pos + 7]) << 8);
+      const size_t caption =
+          static_cast<unsigned char>(bytes[pos + 6]) | (static_cast<unsigned char>(bytes[pos + 7]) << 8);
       pos += 8 + caption;
       const size_t action = static_cast<unsigned char>(bytes[pos]) | (static_cast<unsigned char>(bytes[pos + 1]) << 8);
       pos += 2 + action;
@@ -151,10 +152,18 @@ std::vector<int32_t> MixedCodes() {
     seed = seed * 1103515245u + 12345u;
     const uint32_t r = seed >> 8;
     switch (r % 4) {
-      case 0: codes.push_back(static_cast<int32_t>(r % 256)); break;                        // plain key
-      case 1: codes.push_back(static_cast<int32_t>(((r % 8) << 16) | (r % 256))); break;    // with modifiers
-      case 2: codes.push_back(static_cast<int32_t>(0x20000000 | ((r % 8) << 16) | (r % 256))); break;
-      default: codes.push_back(static_cast<int32_t>(0x40000000 | (r & 0x3FF))); break;      // braille buttons
+      case 0:
+        codes.push_back(static_cast<int32_t>(r % 256));
+        break;  // plain key
+      case 1:
+        codes.push_back(static_cast<int32_t>(((r % 8) << 16) | (r % 256)));
+        break;  // with modifiers
+      case 2:
+        codes.push_back(static_cast<int32_t>(0x20000000 | ((r % 8) << 16) | (r % 256)));
+        break;
+      default:
+        codes.push_back(static_cast<int32_t>(0x40000000 | (r & 0x3FF)));
+        break;  // braille buttons
     }
   }
   return codes;
@@ -236,7 +245,8 @@ int main(int argc, char** argv) {
       std::printf("%-20s %6.2fx %-24s\n", name, r, baseline);
       return;
     }
-    std::printf("%-20s %6.2fx %-24s (target at most %.1fx: %s)\n", name, r, baseline, target, r <= target ? "met" : "MISSED");
+    std::printf("%-20s %6.2fx %-24s (target at most %.1fx: %s)\n", name, r, baseline, target,
+                r <= target ? "met" : "MISSED");
   };
   std::printf("\nRatios to the baselines of this run:\n");
   ratio("BM_ReadMenu", "BM_RawWalk", 5.0);

@@ -19,7 +19,8 @@ std::wstring Scratch(const char* name) {
 }
 
 void Write(const std::wstring& path, const uint8_t* data, size_t size) {
-  std::ofstream(std::string(path.begin(), path.end()), std::ios::binary).write(reinterpret_cast<const char*>(data), size);
+  std::ofstream(std::string(path.begin(), path.end()), std::ios::binary)
+      .write(reinterpret_cast<const char*>(data), size);
 }
 
 }  // namespace

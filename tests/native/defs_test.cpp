@@ -57,7 +57,8 @@ TEST_F(DefsTest, BrailleCodes) {
   EXPECT_EQ(Text(0x40000005), L"[H1+H4]");
   EXPECT_EQ(Text(0x40000000), L"[]");
   EXPECT_EQ(Text(0x7FFFFFFF).substr(0, 12), L"[H1+H2+H4+H8");
-  dir_.Write(L"Focus 40.ini", "[KeyMap]\r\n1=Dot 1\r\n4=Dot 3\r\n100=Space\r\nCursorStatus=Cell %1 (%1)\r\nAuxStatus=Aux %1\r\n");
+  dir_.Write(L"Focus 40.ini",
+             "[KeyMap]\r\n1=Dot 1\r\n4=Dot 3\r\n100=Space\r\nCursorStatus=Cell %1 (%1)\r\nAuxStatus=Aux %1\r\n");
   defs_.InitBrailleKeyMap(dir_.Path(L"Focus 40.ini"));
   EXPECT_EQ(defs_.BrailleKeyName(3), L"H8");
   const struct {
@@ -108,8 +109,9 @@ TEST_F(DefsTest, KeyNameTableAndItsEdits) {
   later();
   EXPECT_EQ(Text(0x74), L"Function 5");
   dir_.Write(L"gKeyCode.def", "116=Function 6\r\n");  // same size: the time tells
-  std::filesystem::last_write_time(dir_.Fs() / "gKeyCode.def",
-                                   std::filesystem::last_write_time(dir_.Fs() / "gKeyCode.def") + std::chrono::seconds(1));
+  std::filesystem::last_write_time(
+      dir_.Fs() / "gKeyCode.def",
+      std::filesystem::last_write_time(dir_.Fs() / "gKeyCode.def") + std::chrono::seconds(1));
   later();
   EXPECT_EQ(Text(0x74), L"Function 6");
   std::filesystem::remove(dir_.Fs() / "gKeyCode.def");

@@ -39,12 +39,15 @@ class MenuFileTest : public ::testing::Test {
  protected:
   MenuReadResult Parse(const std::string& bytes, int32_t base = 256) {
     counter_ = base;
-    return ParseMenu(bytes, page_, [](const std::wstring&) { return 0x12A; }, counter_);
+    return ParseMenu(
+        bytes, page_, [](const std::wstring&) { return 0x12A; }, counter_);
   }
   std::string Serialize(const cMenuItem& root) {
-    return SerializeMenu(root, page_, [this](const std::wstring& action, uint32_t code) {
-             braille_ += std::string(action.begin(), action.end()) + "=" + std::to_string(code) + ";";
-           }).value_or("FAILED");
+    return SerializeMenu(root, page_,
+                         [this](const std::wstring& action, uint32_t code) {
+                           braille_ += std::string(action.begin(), action.end()) + "=" + std::to_string(code) + ";";
+                         })
+        .value_or("FAILED");
   }
   BuiltinCodePage page_{1252};
   int32_t counter_ = 0;
@@ -60,8 +63,17 @@ TEST_F(MenuFileTest, TheTwoItemExampleByteForByte) {
   open->Action = L"open.vbs";
   open->HotKey = 0x123;
   const std::string expected =
-      "\x00\x00" "\x00\x00\x00\x00" "\x04\x00" "File" "\x00\x00"
-      "\x01\x00" "\x23\x01\x00\x00" "\x04\x00" "Open" "\x08\x00" "open.vbs"s;
+      "\x00\x00"
+      "\x00\x00\x00\x00"
+      "\x04\x00"
+      "File"
+      "\x00\x00"
+      "\x01\x00"
+      "\x23\x01\x00\x00"
+      "\x04\x00"
+      "Open"
+      "\x08\x00"
+      "open.vbs"s;
   EXPECT_EQ(Serialize(*root), expected);
   const auto read = Parse(expected);
   EXPECT_TRUE(read.complete);
@@ -72,9 +84,9 @@ TEST_F(MenuFileTest, TheTwoItemExampleByteForByte) {
 }
 
 TEST_F(MenuFileTest, DiscardAndBrailleBits) {
-  const std::string bytes = Record(0, 0x80000041u, "Keyboard", "SayLine") +      // discard, key 0x41
-                            Record(0, 0x40000005u, "Button", "Beep") +            // braille: code from the profile
-                            Record(0, 0xC0000005u, "Both", "Both") +              // braille and discard
+  const std::string bytes = Record(0, 0x80000041u, "Keyboard", "SayLine") +  // discard, key 0x41
+                            Record(0, 0x40000005u, "Button", "Beep") +       // braille: code from the profile
+                            Record(0, 0xC0000005u, "Both", "Both") +         // braille and discard
                             Record(0, 0x00000000u, "Plain", "");
   const auto read = Parse(bytes);
   ASSERT_EQ(read.root->SubItems.Count(), 4);
@@ -131,7 +143,9 @@ TEST_F(MenuFileTest, EveryCutOfAFileReadsWhatWasWhole) {
   }
   EXPECT_EQ(Shape(*Parse(whole.substr(0, 33)).root), "File[256]");
   // A length that points past the end.
-  EXPECT_FALSE(Parse("\x00\x00\x00\x00\x00\x00\xFF\xFF" "abc"s).complete);
+  EXPECT_FALSE(Parse("\x00\x00\x00\x00\x00\x00\xFF\xFF"
+                     "abc"s)
+                   .complete);
 }
 
 TEST_F(MenuFileTest, DeepAndOverlongTrees) {

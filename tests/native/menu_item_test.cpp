@@ -14,9 +14,7 @@ MenuItemPtr Item(const wchar_t* caption) {
   return item;
 }
 
-MenuItemPtr Child(cMenuItem& parent, const wchar_t* caption) {
-  return parent.SubItems.Add(1, &parent, Item(caption));
-}
+MenuItemPtr Child(cMenuItem& parent, const wchar_t* caption) { return parent.SubItems.Add(1, &parent, Item(caption)); }
 
 std::wstring Captions(const cMenuItem& item) {
   std::wstring out;
@@ -36,8 +34,11 @@ TEST(MenuItems, AddTestsTheFlagForExactlyOne) {
     bool withReference;
     bool added;
     cMenuItem* parent;
-  } cases[] = {{0, true, true, root.get()},  {1, true, true, a.get()}, {1, false, false, nullptr},
-               {-1, true, false, nullptr},   {2, true, false, nullptr}};
+  } cases[] = {{0, true, true, root.get()},
+               {1, true, true, a.get()},
+               {1, false, false, nullptr},
+               {-1, true, false, nullptr},
+               {2, true, false, nullptr}};
   for (const auto& c : cases) {
     cMenuItems& list = c.flag == 1 ? a->SubItems : root->SubItems;
     auto item = Item(L"x");
@@ -176,8 +177,9 @@ TEST(MenuItem, CreateMenuBuildsNestedPopups) {
   auto text = [](int32_t code) { return code ? L"key" + std::to_wstring(code) : std::wstring(); };
 
   EXPECT_EQ(root->CreateMenu(menus, text), 100u);
-  EXPECT_EQ(menus.log, (std::vector<std::wstring>{L"create 100", L"create 101", L"create 102", L"102 command 7 Deep\tkey5",
-                                                  L"101 popup 102 Sub", L"100 popup 101 File", L"100 command 9 Plain"}));
+  EXPECT_EQ(menus.log,
+            (std::vector<std::wstring>{L"create 100", L"create 101", L"create 102", L"102 command 7 Deep\tkey5",
+                                       L"101 popup 102 Sub", L"100 popup 101 File", L"100 command 9 Plain"}));
   menus.log.clear();
   root->CreateMenu(menus, text);  // the old pop-ups go first
   EXPECT_EQ(menus.log.front(), L"destroy 100");

@@ -53,7 +53,7 @@ TEST(Nxmenu, DemoMenusRoundTripByteForByte) {
 TEST(Nxmenu, DumpShowsTheTreeWithKeyNames) {
   const auto set = kDemo / "Set";
   CliRun run = Nxmenu("dump " + Q(set / "notepad" / "Command.mnu") + " --keys " + Q(set / "gKeyCode.def") +
-                   " --braille " + Q(set / "notepad" / "Focus 40.ini"));
+                      " --braille " + Q(set / "notepad" / "Focus 40.ini"));
   ASSERT_EQ(run.status, 0) << run.out;
   EXPECT_NE(run.out.find("Read  #256\n  Current line  -> SayLine  key: Narrix+Up Arrow  discard  #257\n"),
             std::string::npos)
