@@ -128,15 +128,6 @@ TEST_F(NarrixInfoTest, WorkFileFoldersAreCreated) {
   EXPECT_TRUE(IsFolder(dir.Path(L"Work")));
 }
 
-TEST_F(NarrixInfoTest, FormSettingsRoundTrip) {
-  info_.FormPositionSave(L"fLens", {10, 20, 300, 400});
-  const FormPosition p = info_.FormPositionLoad(L"fLens", {});
-  EXPECT_EQ(p.left + p.top + p.width + p.height, 730);
-  EXPECT_EQ(info_.FormPositionLoad(L"other", {1, 2, 3, 4}).height, 4);
-  info_.FormVisibilitySave(L"fLens", true);
-  EXPECT_TRUE(info_.FormVisibility(L"fLens"));
-}
-
 TEST(Braille, ActiveFlagIsReadFromSettingIni) {
   test::TempFolder dir;
   BuiltinCodePage page;
