@@ -92,6 +92,8 @@ void fAppSelect::cmdOK_Click() {
   if (index < 0) return;
   const std::wstring name = view_.ListEntry(index);
   editor_->EditMenu(info_.DirSet(), name, name == LoadResText(kGeneralMenu));
+  // Back from the editor, the user is where they left.
+  if (!ended_) view_.FocusList();
 }
 
 void fAppSelect::cmdCANCEL_Click() {

@@ -26,6 +26,8 @@ class IAppSelectView {
   virtual int SelectedIndex() const = 0;  // -1 when nothing is selected
   virtual void SelectEntry(int index) = 0;
   virtual void EnableOk(bool enabled) = 0;
+  // Brings the window forward with the keyboard focus in the list.
+  virtual void FocusList() = 0;
   // Closes the window, which ends the program.
   virtual void EndProgram() = 0;
 };

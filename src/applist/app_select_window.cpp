@@ -21,8 +21,15 @@ bool AppSelectWindow::Create() {
 
 void AppSelectWindow::Show() {
   ShowWindow(hwnd_, SW_SHOW);
+  FocusList();
+}
+
+void AppSelectWindow::FocusList() {
+  if (!hwnd_ || !IsWindowVisible(hwnd_)) return;
   SetForegroundWindow(hwnd_);
+  SetActiveWindow(hwnd_);
   SendMessageW(hwnd_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(List()), TRUE);
+  SetFocus(List());
 }
 
 bool AppSelectWindow::PreTranslateMessage(MSG& msg) { return hwnd_ && IsDialogMessageW(hwnd_, &msg); }

@@ -35,6 +35,7 @@ class AppSelectWindow final : public IAppSelectView {
   int SelectedIndex() const override;
   void SelectEntry(int index) override;
   void EnableOk(bool enabled) override;
+  void FocusList() override;
   void EndProgram() override;
 
  private:

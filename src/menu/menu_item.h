@@ -60,7 +60,7 @@ class cMenuItems {
   std::vector<std::wstring> keys_;  // empty until an item is added with a key, then beside items_
 };
 
-class cMenuItem {
+class cMenuItem : public std::enable_shared_from_this<cMenuItem> {
  public:
   static MenuItemPtr New() { return std::make_shared<cMenuItem>(); }
   cMenuItem();

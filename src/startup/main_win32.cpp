@@ -6,6 +6,10 @@
 #include <string>
 
 #include "applist/app_select_window.h"
+#include "menu/menu_editor_window.h"
+#include "platform/win32_native_menus.h"
+#include "platform/win32_profile.h"
+#include "platform/win32_prompts.h"
 #include "platform/win32_registry.h"
 #include "startup/command_line.h"
 #include "startup/file_helpers.h"
@@ -33,11 +37,19 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int) {
   InitCommonControlsEx(&controls);
 
   nx::Win32Registry registry;
+  nx::Win32Profile profile;
+  nx::Win32NativeMenus menus;
+  nx::Win32Prompts unusedPrompts;  // each window asks through its own
   nx::cNarrixInfo info(registry, ExecutableFolder());
-  // The menu editor is not part of this program yet: choosing a menu does
-  // nothing until it is.
-  nx::AppSelectWindow window(instance, info, nullptr);
+  nx::cDefServer defs(nx::SystemCodePage(), profile, L"");
+  // The braille display is opened by the first menu loaded and kept.
+  std::unique_ptr<nx::IBrailleDisplay> braille;
+  nx::MenuEditorLauncher editor(
+      instance, nx::MenuEditorServices{unusedPrompts, info, defs, profile, menus, braille,
+                                       [] { return std::make_unique<nx::NoBrailleDisplay>(); }, nullptr});
+  nx::AppSelectWindow window(instance, info, &editor);
   if (!window.Create()) return 1;
+  editor.SetOwner(window.Handle());
   window.Show();
   window.Logic().SelectAppByCommand(nx::ArgumentsOf(GetCommandLineW()));
 

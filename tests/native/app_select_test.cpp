@@ -23,6 +23,7 @@ class FakeView : public IAppSelectView {
   int selected = -1;
   bool okEnabled = false;
   int endCalls = 0;
+  int focusCalls = 0;
 
   void SetText(AppSelectText what, const std::wstring& text) override { texts[what] = text; }
   void ClearList() override {
@@ -40,6 +41,7 @@ class FakeView : public IAppSelectView {
   int SelectedIndex() const override { return selected; }
   void SelectEntry(int i) override { selected = i; }
   void EnableOk(bool enabled) override { okEnabled = enabled; }
+  void FocusList() override { ++focusCalls; }
   void EndProgram() override { ++endCalls; }
 };
 
@@ -123,6 +125,7 @@ TEST_F(AppSelectTest, OkOpensTheSelectedMenu) {
   EXPECT_TRUE(editor_.calls[0].general);
   EXPECT_EQ(editor_.calls[1].name, L"Word");
   EXPECT_FALSE(editor_.calls[1].general);
+  EXPECT_EQ(view_.focusCalls, 2);  // the list has the focus again after each
 }
 
 TEST_F(AppSelectTest, OkNeedsASelection) {

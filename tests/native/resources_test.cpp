@@ -31,6 +31,8 @@ std::map<std::string, std::vector<Control>> ReadDialogs() {
     if (second == "DIALOGEX" || second == "DIALOG") {
       current = first;
       dialogs[current];
+    } else if (!current.empty() && !inBody && first == "MENU") {
+      continue;
     } else if (!current.empty() && first == "BEGIN") {
       inBody = true;
     } else if (!current.empty() && first == "END") {
@@ -58,6 +60,8 @@ wchar_t AccessKey(const std::wstring& caption) {
 // The string-table texts each window puts on its controls when it loads.
 const std::map<std::string, std::vector<int>> kCaptionIds = {
     {"IDD_APPSELECT", {502, 503, 101}},
+    // The menu bar's entries count too: Alt and their letter open them.
+    {"IDD_MENUDEF", {602, 603, 604, 605, 100, 101, 608, 617, 640}},
 };
 
 TEST(Resources, InputControlsHaveALabelDirectlyBefore) {
@@ -70,6 +74,18 @@ TEST(Resources, InputControlsHaveALabelDirectlyBefore) {
         ASSERT_GT(i, 0u) << name << ": " << kind << " has no label";
         EXPECT_EQ(controls[i - 1].kind, "LTEXT") << name << ": " << kind << " is not labelled";
       }
+    }
+  }
+}
+
+TEST(Resources, ItemMenuEntriesHaveUniqueAccessKeys) {
+  for (UiLanguage language : {UiLanguage::English, UiLanguage::Czech}) {
+    std::map<wchar_t, int> seen;
+    for (int id : {606, 612, 610, 611, 614, 615, 616, 613, 643, 644}) {
+      const wchar_t key = AccessKey(TableText(id, language));
+      EXPECT_NE(key, 0) << id;
+      EXPECT_FALSE(seen.count(key)) << id << " and " << seen[key] << " share an access key";
+      seen[key] = id;
     }
   }
 }
@@ -90,7 +106,7 @@ TEST(Resources, AccessKeysAreUniqueInEveryLanguage) {
                                       << "\" share an access key";
         seen[key] = caption;
       }
-      // The list's label must carry an access key, or the list cannot be reached directly.
+      // The first label (of the list or the tree) must carry an access key.
       EXPECT_NE(AccessKey(TableText(ids.front(), language)), 0) << dialog;
     }
   }

@@ -4,6 +4,7 @@
 //   nxprobe message TITLE [MS]   a message box: its text and buttons
 //   nxprobe absent TITLE [MS]    exit 0 when no such window appears within MS
 //   nxprobe rect TITLE [MS]      the window's place on the screen: x y width height
+//   nxprobe editor TITLE [MS]    the menu editor: node count, the three fields, focus, Apply
 // A TITLE of the form @FILE is read from FILE (UTF-8), so that titles in any
 // language arrive intact whatever the locale of the calling shell.
 // Exit status 0 when the window was found (absent: not found), 1 otherwise.
@@ -22,11 +23,12 @@ void Print(const std::wstring& line) {
   WriteFile(GetStdHandle(STD_OUTPUT_HANDLE), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
 }
 
+// WM_GETTEXT, because GetWindowText does not ask the controls of another
+// process for their text.
 std::wstring TextOf(HWND hwnd) {
-  const int n = GetWindowTextLengthW(hwnd);
-  std::wstring text(static_cast<size_t>(n) + 1, L'\0');
-  GetWindowTextW(hwnd, text.data(), n + 1);
-  text.resize(static_cast<size_t>(n));
+  wchar_t text[1024] = {};
+  DWORD_PTR ignored = 0;
+  SendMessageTimeoutW(hwnd, WM_GETTEXT, 1024, reinterpret_cast<LPARAM>(text), SMTO_ABORTIFHUNG, 5000, &ignored);
   return text;
 }
 
@@ -75,6 +77,18 @@ struct BoxContent {
   std::wstring texts, buttons;
 };
 
+int Editor(HWND hwnd) {
+  Print(L"title: " + TextOf(hwnd));
+  Print(L"nodes: " + std::to_wstring(SendMessageW(GetDlgItem(hwnd, 1103), 0x1100 + 5 /* TVM_GETCOUNT */, 0, 0)));
+  Print(L"name: " + TextOf(GetDlgItem(hwnd, 1105)));
+  Print(L"command: " + TextOf(GetDlgItem(hwnd, 1107)));
+  Print(L"hot key: " + TextOf(GetDlgItem(hwnd, 1109)));
+  HWND focus = FocusOf(hwnd);
+  Print(L"focus: " + (focus ? std::to_wstring(GetDlgCtrlID(focus)) : std::wstring(L"none")));
+  Print(std::wstring(L"apply: ") + (IsWindowEnabled(GetDlgItem(hwnd, 1110)) ? L"enabled" : L"disabled"));
+  return 0;
+}
+
 BOOL CALLBACK CollectChild(HWND child, LPARAM param) {
   auto* box = reinterpret_cast<BoxContent*>(param);
   const std::wstring cls = ClassOf(child), text = TextOf(child);
@@ -112,6 +126,18 @@ int wmain(int argc, wchar_t** argv) {
     return 1;
   }
   if (command == L"list") return List(hwnd);
+  if (command == L"active") {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof(info);
+    GetGUIThreadInfo(GetWindowThreadProcessId(hwnd, nullptr), &info);
+    HWND fg = GetForegroundWindow();
+    Print(L"foreground: " + (fg ? TextOf(fg) : std::wstring(L"none")));
+    Print(L"active: " + (info.hwndActive ? TextOf(info.hwndActive) : std::wstring(L"none")));
+    Print(L"focus: " + (info.hwndFocus ? std::to_wstring(GetDlgCtrlID(info.hwndFocus)) : std::wstring(L"none")));
+    Print(std::wstring(L"enabled: ") + (IsWindowEnabled(hwnd) ? L"yes" : L"no"));
+    return 0;
+  }
+  if (command == L"editor") return Editor(hwnd);
   if (command == L"rect") {
     RECT r{};
     GetWindowRect(hwnd, &r);

@@ -1,0 +1,217 @@
+// The tree commands of the menu editor: new, edit, copy, cut, paste, delete
+// and moving an item among its siblings.
+#include "menu/edit/tree_commands.h"
+
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "menu/menu_editor.h"
+#include "platform/folders.h"
+#include "startup/file_helpers.h"
+#include "startup/string_table.h"
+
+namespace nx {
+namespace {
+
+constexpr int kNewItem = 704, kPullDownQuestion = 630, kSubitemQuestion = 631, kWholeMenuQuestion = 632;
+constexpr int kRemoveQuestion = 633, kRemoveAllQuestion = 634, kGeneral = 2051, kApplication = 2052;
+constexpr int kProductTitle = 2053;
+// Yes/No with No as the default; Yes/No/Cancel with No as the default.
+constexpr unsigned kYesNoDefaultNo = mb::kYesNo | mb::kIconQuestion | mb::kDefaultButton2;
+constexpr unsigned kYesNoCancelDefaultNo = mb::kYesNoCancel | mb::kIconQuestion | mb::kDefaultButton2;
+
+}  // namespace
+
+MenuItemPtr DeepCopy(const cMenuItem& source) {
+  MenuItemPtr copy = cMenuItem::New();
+  // Copies without recursion: pairs of (original, its copy) still to fill.
+  std::vector<std::pair<const cMenuItem*, cMenuItem*>> pending{{&source, copy.get()}};
+  while (!pending.empty()) {
+    auto [from, to] = pending.back();
+    pending.pop_back();
+    to->Action = from->Action;
+    to->Discard = from->Discard;
+    to->HotKey = from->HotKey;
+    to->Caption = from->Caption;
+    for (const auto& child : from->SubItems) {
+      MenuItemPtr childCopy = to->SubItems.Add(1, to, cMenuItem::New());
+      pending.emplace_back(child.get(), childCopy.get());
+    }
+  }
+  return copy;
+}
+
+bool IsWithin(const cMenuItem* item, const cMenuItem* ancestor) {
+  for (const cMenuItem* p = item; p; p = p->Parent)
+    if (p == ancestor) return true;
+  return false;
+}
+
+void fMenuDef::mnuTreeCopy_Click() {
+  cMenuItem* item = SelectedItem();
+  if (!item || SelectedIsTop()) return;
+  clipboard_ = item->shared_from_this();
+  cut_ = false;
+}
+
+void fMenuDef::mnuTreeCut_Click() {
+  cMenuItem* item = SelectedItem();
+  if (!item || SelectedIsTop()) return;
+  clipboard_ = item->shared_from_this();
+  cut_ = true;
+}
+
+void fMenuDef::mnuTreePaste_Click() {
+  cMenuItem* target = SelectedItem();
+  if (!target || !clipboard_) return;
+  if (SelectedIsTop()) {
+    PasteAt(target, true);
+    return;
+  }
+  const int answer =
+      services_.prompts.Message(LoadResText(kSubitemQuestion), kYesNoCancelDefaultNo, LoadResText(kProductTitle));
+  if (answer == mb::kIdYes) PasteAt(target, true);
+  if (answer == mb::kIdNo) PasteAt(target, false);
+}
+
+void fMenuDef::mnuTreePasteAsNext_Click() {
+  cMenuItem* target = SelectedItem();
+  if (!target || !clipboard_ || SelectedIsTop()) return;
+  PasteAt(target, false);
+}
+
+void fMenuDef::mnuTreePasteAsChild_Click() {
+  cMenuItem* target = SelectedItem();
+  if (!target || !clipboard_) return;
+  PasteAt(target, true);
+}
+
+void fMenuDef::PasteAt(cMenuItem* target, bool asChild) {
+  // A cut item cannot go into its own subtree: taking it out first would
+  // take the target with it.
+  if (cut_ && IsWithin(target, clipboard_.get())) return;
+  if (asChild && (!target->Action.empty() || target->HotKey != 0)) {
+    if (services_.prompts.Message(LoadResText(kPullDownQuestion, target->Caption), kYesNoDefaultNo,
+                                  LoadResText(kProductTitle)) != mb::kIdYes)
+      return;
+    target->Action.clear();
+    target->HotKey = 0;
+  }
+  MenuItemPtr item;
+  if (cut_) {
+    root_->RemoveItem(clipboard_.get());
+    item = clipboard_;
+  } else {
+    item = DeepCopy(*clipboard_);
+  }
+  if (asChild) {
+    target->SubItems.AddAsFirst(item);
+    item->Parent = target;
+  } else {
+    root_->InsertAfter(target, item);
+    item->Parent = target->Parent;
+  }
+  Refresh(item.get());
+  SetDirty(true);
+}
+
+void fMenuDef::mnuTreeDelete_Click() {
+  if (!view_.SelectedNode()) return;
+  if (SelectedIsTop()) {
+    if (services_.prompts.Message(LoadResText(kWholeMenuQuestion), kYesNoDefaultNo, LoadResText(kProductTitle)) !=
+        mb::kIdYes)
+      return;
+    root_.reset();
+    Refresh(nullptr);
+    view_.SetFields(L"", L"", L"");
+    SetDirty(true);
+    return;
+  }
+  cMenuItem* item = SelectedItem();
+  if (!item) return;
+  const int question = item->SubItems.Count() > 0 ? kRemoveAllQuestion : kRemoveQuestion;
+  if (services_.prompts.Message(LoadResText(question, item->Caption), mb::kYesNo | mb::kIconQuestion,
+                                LoadResText(kProductTitle)) != mb::kIdYes)
+    return;
+  // The selection moves to a neighbour, so that the keyboard focus stays on
+  // something: the next sibling, else the one before, else the parent.
+  MenuItemPtr removed = item->shared_from_this();
+  cMenuItem* parent = item->Parent;
+  cMenuItem* neighbour = parent;
+  if (parent) {
+    for (int i = 1; i <= parent->SubItems.Count(); ++i) {
+      if (parent->SubItems.item(i).get() != item) continue;
+      if (i < parent->SubItems.Count())
+        neighbour = parent->SubItems.item(i + 1).get();
+      else if (i > 1)
+        neighbour = parent->SubItems.item(i - 1).get();
+      break;
+    }
+  }
+  root_->RemoveItem(item);
+  view_.SetFields(L"", L"", L"");
+  Refresh(neighbour);
+  SetDirty(true);
+
+  const std::wstring script = JoinPath(JoinPath(services_.info.DirSet(), gAppName), removed->Caption + L".vbs");
+  if (FileExists(script) && services_.prompts.Message(L"Smazat soubor " + removed->Caption + L".vbs?",
+                                                      kYesNoDefaultNo, LoadResText(kProductTitle)) == mb::kIdYes) {
+    std::error_code ignored;
+    std::filesystem::remove(ToFsPath(script), ignored);
+    std::filesystem::remove(ToFsPath(script.substr(0, script.size() - 4) + L".frm"), ignored);
+  }
+}
+
+void fMenuDef::MoveSelected(bool down) {
+  cMenuItem* item = SelectedItem();
+  if (!item || SelectedIsTop() || !item->Parent) return;
+  cMenuItems& siblings = item->Parent->SubItems;
+  if (down ? siblings.IsLast(item) : siblings.IsFirst(item)) return;
+  int position = 1;
+  while (siblings.item(position).get() != item) ++position;
+  MenuItemPtr moving = item->shared_from_this();
+  siblings.Remove(position);
+  siblings.AddAfter(moving, down ? position : position - 2);
+  Refresh(item);
+  SetDirty(true);
+}
+
+void fMenuDef::mnuNew_Click() {
+  if (!services_.wizard) return;
+  MenuItemPtr item = cMenuItem::New();
+  item->Caption = LoadResText(kNewItem);
+  item->HotKey = 0;
+  item->Discard = true;
+  if (!services_.wizard->Describe(*item, true)) return;
+  MenuItemPtr kept = clipboard_;
+  if (!root_) {
+    root_ = cMenuItem::New();
+    root_->Caption = L"[root]";
+    root_->Caption = general_ ? LoadResText(kGeneral) : LoadResText(kApplication, gAppName);
+    view_.AddNode(NodeKey(root_->MenuId), L"", root_->Caption);
+    view_.SelectNode(NodeKey(root_->MenuId));
+  }
+  clipboard_ = item;
+  mnuTreePaste_Click();
+  clipboard_ = kept;
+}
+
+void fMenuDef::mnuTreeEdit_Click() {
+  cMenuItem* item = SelectedItem();
+  if (!services_.wizard || !item || SelectedIsTop()) return;
+  MenuItemPtr work = cMenuItem::New();
+  work->Action = item->Action;
+  work->Discard = item->Discard;
+  work->HotKey = item->HotKey;
+  work->Caption = item->Caption;
+  if (!services_.wizard->Describe(*work, false)) return;
+  item->Action = work->Action;
+  item->Discard = work->Discard;
+  item->HotKey = work->HotKey;
+  item->Caption = work->Caption;
+  Refresh(item);
+  SetDirty(true);
+}
+
+}  // namespace nx

@@ -1,0 +1,16 @@
+// Helpers of the menu editor's tree commands.
+#pragma once
+
+#include "menu/menu_item.h"
+
+namespace nx {
+
+// A new item with the texts, hot key and Discard of `source` and copies of
+// all its children; it shares nothing with the source. MenuIds stay 0 until
+// the tree is renumbered.
+MenuItemPtr DeepCopy(const cMenuItem& source);
+
+// True when `item` is `ancestor` or lies in its subtree.
+bool IsWithin(const cMenuItem* item, const cMenuItem* ancestor);
+
+}  // namespace nx

@@ -1,0 +1,366 @@
+#include "menu/menu_editor.h"
+
+#include <stdexcept>
+
+#include "platform/folders.h"
+#include "platform/text.h"
+#include "startup/command_line.h"
+#include "startup/file_helpers.h"
+#include "startup/settings.h"
+#include "startup/string_table.h"
+
+namespace nx {
+
+std::wstring gMenuDir;
+std::wstring gAppName;
+std::wstring gBrailleName;
+
+namespace {
+
+constexpr int kTitle = 601, kTreeLabel = 602, kName = 603, kCommand = 604, kHotKey = 605, kNew = 606, kApply = 608;
+constexpr int kCopy = 610, kCut = 611, kEdit = 612, kDelete = 613, kPaste = 614, kPasteNext = 615, kPasteChild = 616;
+constexpr int kItemMenu = 617, kSaveQuestion = 635, kOk = 100, kCancel = 101, kGeneral = 2051, kApplication = 2052;
+constexpr int kProductTitle = 2053, kPreview = 640, kDamaged = 641, kNotSaved = 642, kMoveUp = 643, kMoveDown = 644;
+
+}  // namespace
+
+std::wstring NodeKey(int32_t menuId) { return L"k" + std::to_wstring(menuId); }
+
+std::optional<int32_t> MenuIdOfKey(const std::wstring& key) {
+  if (key.size() < 2) return std::nullopt;
+  try {
+    size_t used = 0;
+    const long long id = std::stoll(key.substr(1), &used);
+    if (used != key.size() - 1 || id < INT32_MIN || id > INT32_MAX) return std::nullopt;
+    return static_cast<int32_t>(id);
+  } catch (const std::exception&) {
+    return std::nullopt;
+  }
+}
+
+fMenuDef::fMenuDef(IMenuEditorView& view, MenuEditorServices services) : view_(view), services_(std::move(services)) {}
+
+void fMenuDef::Form_Load() {
+  view_.SetText(EditorText::TreeLabel, LoadResText(kTreeLabel));
+  view_.SetText(EditorText::NameLabel, LoadResText(kName));
+  view_.SetText(EditorText::CommandLabel, LoadResText(kCommand));
+  view_.SetText(EditorText::HotKeyLabel, LoadResText(kHotKey));
+  view_.SetText(EditorText::Ok, LoadResText(kOk));
+  view_.SetText(EditorText::Cancel, LoadResText(kCancel));
+  view_.SetText(EditorText::Apply, LoadResText(kApply));
+  view_.SetText(EditorText::ItemMenu, LoadResText(kItemMenu));
+  // The keys work in the tree; the menu names them after a tab.
+  view_.SetCommandText(EditorCommand::New, LoadResText(kNew) + L"\tCtrl+N");
+  view_.SetCommandText(EditorCommand::Edit, LoadResText(kEdit));
+  view_.SetCommandText(EditorCommand::Copy, LoadResText(kCopy) + L"\tCtrl+C");
+  view_.SetCommandText(EditorCommand::Cut, LoadResText(kCut) + L"\tCtrl+X");
+  view_.SetCommandText(EditorCommand::Paste, LoadResText(kPaste) + L"\tCtrl+V");
+  view_.SetCommandText(EditorCommand::Delete, LoadResText(kDelete) + L"\tDel");
+  view_.SetCommandText(EditorCommand::MoveUp, LoadResText(kMoveUp));
+  view_.SetCommandText(EditorCommand::MoveDown, LoadResText(kMoveDown));
+  view_.SetCommandText(EditorCommand::Preview, LoadResText(kPreview));
+  // The paste captions keep their "%1" templates for every later opening.
+  pasteNextTemplate_ = LoadResText(kPasteNext);
+  pasteChildTemplate_ = LoadResText(kPasteChild);
+  view_.SetCommandText(EditorCommand::PasteAsNext, pasteNextTemplate_);
+  view_.SetCommandText(EditorCommand::PasteAsChild, pasteChildTemplate_);
+  SetDirty(false);
+}
+
+std::wstring fMenuDef::MenuPath() const {
+  return general_ ? JoinPath(gMenuDir, L"Command.mnu") : JoinPath(JoinPath(gMenuDir, gAppName), L"Command.mnu");
+}
+
+std::wstring fMenuDef::BraillePath() const {
+  if (gBrailleName.empty()) return {};
+  const std::wstring file = gBrailleName + L".ini";
+  return general_ ? JoinPath(gMenuDir, file) : JoinPath(JoinPath(gMenuDir, gAppName), file);
+}
+
+std::wstring fMenuDef::HotKeyText(int32_t code) const {
+  try {
+    return services_.defs.FormatKeycodeEx(code);
+  } catch (const std::exception&) {
+    return {};
+  }
+}
+
+void fMenuDef::SetDirty(bool dirty) {
+  dirty_ = dirty;
+  view_.EnableApply(dirty);
+}
+
+void fMenuDef::CaptionRoot() {
+  if (root_) root_->Caption = general_ ? LoadResText(kGeneral) : LoadResText(kApplication, gAppName);
+}
+
+void fMenuDef::LoadDefs(const std::wstring& menuDir, const std::wstring& appName, bool general) {
+  if (!services_.braille) {
+    if (gBrailleName.empty()) gBrailleName = gCmdDisplayName;
+    if (services_.makeBraille) services_.braille = services_.makeBraille();
+    if (services_.braille && IsBrailleActive(services_.profile, services_.info.DirSet()) &&
+        services_.braille->Initialize() && gBrailleName.empty() && services_.braille->isValid())
+      gBrailleName = services_.braille->BrailleDescription();
+  }
+  SetDirty(false);
+  gAppName = appName;
+  view_.SetTitle(ReplaceAll(LoadResText(kTitle), L"%1", appName));
+  gMenuDir = menuDir;
+  general_ = general;
+  cDefActions& defs = services_.defs.DefActions();
+  defs.ItemCounter = IdBase();
+  bool complete = true;
+  root_ = defs.InitCommandDef(MenuPath(), BraillePath(), &complete);
+  damaged_ = !complete;
+  backedUp_ = false;
+  CaptionRoot();
+  if (!gBrailleName.empty()) defs.InitBrailleKeyMap(BraillePath());
+  view_.BeginTreeUpdate();
+  view_.ClearTree();
+  FillTree();
+  view_.EndTreeUpdate();
+  view_.EnableCommand(EditorCommand::Preview, view_.NodeCount() > 0);
+  if (root_) {
+    view_.SelectNode(NodeKey(root_->MenuId));
+    trvMenu_NodeClick(NodeKey(root_->MenuId));
+  }
+  if (damaged_)
+    services_.prompts.Message(LoadResText(kDamaged, MenuPath()), mb::kOkOnly | mb::kIconExclamation,
+                              LoadResText(kProductTitle));
+}
+
+void fMenuDef::FillTree() {
+  if (!root_) return;
+  view_.AddNode(NodeKey(root_->MenuId), L"", root_->Caption);
+  WalkTree(
+      static_cast<const cMenuItem&>(*root_),
+      [this](const cMenuItem& item, size_t, int) {
+        view_.AddNode(NodeKey(item.MenuId), NodeKey(item.Parent ? item.Parent->MenuId : 0), item.Caption);
+        return true;
+      },
+      [this](const cMenuItem& item, size_t) {
+        if (item.SubItems.Count() > 0) view_.ExpandNode(NodeKey(item.MenuId));
+      });
+  if (root_->SubItems.Count() > 0) view_.ExpandNode(NodeKey(root_->MenuId));
+}
+
+void fMenuDef::Refresh(const cMenuItem* item) {
+  if (root_) {
+    int32_t next = IdBase();
+    try {
+      root_->CreateMenuId(next);
+    } catch (const std::overflow_error&) {
+      // More items than ids: the numbers already given stay.
+    }
+  }
+  view_.BeginTreeUpdate();
+  view_.ClearTree();
+  FillTree();
+  view_.EndTreeUpdate();
+  view_.EnableCommand(EditorCommand::Preview, view_.NodeCount() > 0);
+  if (item) {
+    view_.SelectNode(NodeKey(item->MenuId));
+    trvMenu_NodeClick(NodeKey(item->MenuId));
+  }
+}
+
+cMenuItem* fMenuDef::FindItem(int32_t menuId) const {
+  if (!root_) return nullptr;
+  if (root_->MenuId == menuId) return root_.get();
+  cMenuItem* found = nullptr;
+  WalkTree(
+      *root_,
+      [&](cMenuItem& item, size_t, int) {
+        if (item.MenuId == menuId) found = &item;
+        return found == nullptr;
+      },
+      [](cMenuItem&, size_t) {});
+  return found;
+}
+
+cMenuItem* fMenuDef::ItemOfNode(const std::wstring& key) const {
+  const auto id = MenuIdOfKey(key);
+  return id ? FindItem(*id) : nullptr;
+}
+
+cMenuItem* fMenuDef::SelectedItem() const {
+  const auto key = view_.SelectedNode();
+  return key ? ItemOfNode(*key) : nullptr;
+}
+
+bool fMenuDef::SelectedIsTop() const {
+  const auto key = view_.SelectedNode();
+  return key && root_ && *key == NodeKey(root_->MenuId);
+}
+
+void fMenuDef::trvMenu_NodeClick(const std::wstring& key) {
+  const cMenuItem* item = ItemOfNode(key);
+  if (item) view_.SetFields(item->Caption, item->Action, HotKeyText(item->HotKey));
+}
+
+bool fMenuDef::Save() {
+  const std::wstring path = MenuPath();
+  // A damaged original is kept before anything is written over it.
+  if (damaged_ && !backedUp_) {
+    std::string bytes;
+    if (PathExists(path) && (!ReadFileBytes(path, bytes) || !WriteFileBytes(path + L".bak", bytes))) {
+      services_.prompts.Message(LoadResText(kNotSaved, path), mb::kOkOnly | mb::kIconExclamation,
+                                LoadResText(kProductTitle));
+      return false;
+    }
+    backedUp_ = true;
+  }
+  if (!root_) {
+    std::error_code ignored;
+    std::filesystem::remove(ToFsPath(path), ignored);
+    return true;
+  }
+  if (!services_.defs.DefActions().FlushCommand2Def(path, BraillePath(), *root_)) {
+    services_.prompts.Message(LoadResText(kNotSaved, path), mb::kOkOnly | mb::kIconExclamation,
+                              LoadResText(kProductTitle));
+    return false;
+  }
+  return true;
+}
+
+void fMenuDef::cmdApply_Click() {
+  if (Save()) SetDirty(false);
+}
+
+void fMenuDef::cmdOK_Click() {
+  if (!Save()) return;
+  SetDirty(false);
+  view_.Close();
+}
+
+void fMenuDef::cmdCancel_Click() { view_.Close(); }
+
+bool fMenuDef::Form_QueryUnload() {
+  if (!dirty_) return true;
+  const int answer = services_.prompts.Message(LoadResText(kSaveQuestion), mb::kYesNoCancel | mb::kIconQuestion,
+                                               LoadResText(kProductTitle));
+  if (answer == mb::kIdYes) {
+    if (!Save()) return false;
+    SetDirty(false);
+    return true;
+  }
+  return answer == mb::kIdNo;
+}
+
+void fMenuDef::mnuPreview_Click() {
+  if (!root_) return;
+  const NativeMenu menu = root_->CreateMenu(services_.menus, [this](int32_t code) { return HotKeyText(code); });
+  const int chosen = view_.TrackPreview(menu);
+  if (chosen == 0) return;
+  const cMenuItem* item = FindItem(chosen);
+  if (!item) return;
+  const std::wstring key = NodeKey(item->MenuId);
+  view_.SelectNode(key);
+  trvMenu_NodeClick(key);
+  view_.FocusNameField();
+}
+
+std::wstring fMenuDef::ListDefs(const std::wstring& menuDir, const std::wstring& appName, bool general) {
+  gMenuDir = menuDir;
+  gAppName = appName;
+  SetDirty(false);
+  general_ = general;
+  cDefActions& defs = services_.defs.DefActions();
+  defs.ItemCounter = IdBase();
+  root_ = defs.InitCommandDef(MenuPath(), BraillePath());
+  CaptionRoot();
+  view_.ClearTree();
+  if (!root_) return {};
+  std::wstring text = L"\r\n";  // the root: no list entry of its own
+  size_t previous = 0;
+  WalkTree(
+      static_cast<const cMenuItem&>(*root_),
+      [&](const cMenuItem& item, size_t level, int) {
+        const size_t depth = level + 1;
+        if (depth > previous) text += L"<UL>";
+        std::wstring keyText = HotKeyText(item.HotKey);
+        if (!keyText.empty()) keyText = L" ( " + keyText + L" ) ";
+        std::wstring entry = item.Caption;
+        const std::wstring action = LowerCase(item.Action);
+        const wchar_t* tips = action.find(L"tipy") != std::wstring::npos   ? L"tipy"
+                              : action.find(L"tips") != std::wstring::npos ? L"tips"
+                                                                           : nullptr;
+        if (tips)
+          entry = L"<A href=\"..\\..\\set\\" + appName + L"\\" + tips + L".txt\">" + item.Caption + L"</A>";
+        text += L"<LI>" + entry + keyText + L"</LI>\r\n";
+        return true;
+      },
+      [&](const cMenuItem&, size_t level) {
+        const size_t depth = level + 1;
+        if (depth < previous) text += L"</UL>";
+        previous = depth;
+      });
+  if (previous > 0) text += L"</UL>";
+  return L"<H3>" + appName + L"</H3>" + text;
+}
+
+bool fMenuDef::trvMenu_KeyDown(int key, int shift) {
+  constexpr int kShift = 1, kControl = 2, kAlt = 4;
+  if (key == 93 || (key == 121 && shift == kShift)) {
+    OpenContextMenu();
+    return true;
+  }
+  const struct {
+    int key, shift;
+    EditorCommand command;
+  } keys[] = {
+      {13, kAlt, EditorCommand::Edit},      {40, kShift, EditorCommand::MoveDown}, {38, kShift, EditorCommand::MoveUp},
+      {46, 0, EditorCommand::Delete},       {'C', kControl, EditorCommand::Copy},  {'X', kControl, EditorCommand::Cut},
+      {'V', kControl, EditorCommand::Paste}, {'N', kControl, EditorCommand::New},
+  };
+  for (const auto& k : keys) {
+    if (k.key == key && k.shift == shift) {
+      Run(k.command);
+      return true;
+    }
+  }
+  return false;
+}
+
+void fMenuDef::OpenContextMenu() {
+  if (!view_.SelectedNode()) return;
+  PrepareItemMenu();
+  view_.OpenItemMenu();
+}
+
+void fMenuDef::PrepareItemMenu() {
+  const auto key = view_.SelectedNode();
+  const cMenuItem* item = SelectedItem();
+  const bool inner = key && item && !SelectedIsTop();
+  const bool held = clipboard_ != nullptr;
+  const cMenuItems* siblings = inner && item->Parent ? &item->Parent->SubItems : nullptr;
+  view_.EnableCommand(EditorCommand::New, services_.wizard != nullptr);
+  view_.EnableCommand(EditorCommand::Edit, inner && services_.wizard != nullptr);
+  view_.EnableCommand(EditorCommand::Copy, inner);
+  view_.EnableCommand(EditorCommand::Cut, inner);
+  view_.EnableCommand(EditorCommand::PasteAsNext, inner && held);
+  view_.EnableCommand(EditorCommand::PasteAsChild, key.has_value() && held);
+  view_.EnableCommand(EditorCommand::MoveUp, siblings && !siblings->IsFirst(item));
+  view_.EnableCommand(EditorCommand::MoveDown, siblings && !siblings->IsLast(item));
+  const std::wstring target = key ? view_.NodeText(*key) : std::wstring();
+  view_.SetCommandText(EditorCommand::PasteAsChild, ReplaceAll(pasteChildTemplate_, L"%1", target));
+  view_.SetCommandText(EditorCommand::PasteAsNext, ReplaceAll(pasteNextTemplate_, L"%1", target));
+}
+
+void fMenuDef::Run(EditorCommand command) {
+  switch (command) {
+    case EditorCommand::New: mnuNew_Click(); break;
+    case EditorCommand::Edit: mnuTreeEdit_Click(); break;
+    case EditorCommand::Copy: mnuTreeCopy_Click(); break;
+    case EditorCommand::Cut: mnuTreeCut_Click(); break;
+    case EditorCommand::Paste: mnuTreePaste_Click(); break;
+    case EditorCommand::PasteAsNext: mnuTreePasteAsNext_Click(); break;
+    case EditorCommand::PasteAsChild: mnuTreePasteAsChild_Click(); break;
+    case EditorCommand::Delete: mnuTreeDelete_Click(); break;
+    case EditorCommand::MoveUp: MoveSelected(false); break;
+    case EditorCommand::MoveDown: MoveSelected(true); break;
+    case EditorCommand::Preview: mnuPreview_Click(); break;
+  }
+}
+
+}  // namespace nx

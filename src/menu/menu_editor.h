@@ -1,0 +1,174 @@
+// fMenuDef: the menu editor. It holds the tree of the menu being edited,
+// shows it through IMenuEditorView (a tree, three read-only fields, the item
+// menu) and saves it. The tree commands (copy, cut, paste, delete, move) are
+// in menu/edit/tree_commands.cpp.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "braille/braille_display.h"
+#include "defs/def_actions.h"
+#include "menu/menu_item.h"
+#include "platform/native_menus.h"
+#include "platform/profile.h"
+#include "platform/prompts.h"
+#include "startup/narrix_info.h"
+
+namespace nx {
+
+// Set by the last LoadDefs for the whole program: the menu folder, the
+// application and the braille display whose profile holds the braille keys.
+extern std::wstring gMenuDir;
+extern std::wstring gAppName;
+extern std::wstring gBrailleName;
+
+enum class EditorText { TreeLabel, NameLabel, CommandLabel, HotKeyLabel, Ok, Cancel, Apply, ItemMenu };
+
+enum class EditorCommand {
+  New,
+  Edit,
+  Copy,
+  Cut,
+  Paste,
+  PasteAsNext,
+  PasteAsChild,
+  Delete,
+  MoveUp,
+  MoveDown,
+  Preview,
+};
+
+class IMenuEditorView {
+ public:
+  virtual ~IMenuEditorView() = default;
+  virtual void SetTitle(const std::wstring& text) = 0;
+  virtual void SetText(EditorText what, const std::wstring& text) = 0;
+  // Captions of the item menu and the preview entry.
+  virtual void SetCommandText(EditorCommand command, const std::wstring& text) = 0;
+  virtual void EnableCommand(EditorCommand command, bool enabled) = 0;
+  virtual void EnableApply(bool enabled) = 0;
+
+  // The tree: nodes are named by their keys ("k" + MenuId). Between
+  // BeginTreeUpdate and EndTreeUpdate the tree is not redrawn.
+  virtual void BeginTreeUpdate() = 0;
+  virtual void EndTreeUpdate() = 0;
+  virtual void ClearTree() = 0;
+  virtual void AddNode(const std::wstring& key, const std::wstring& parentKey, const std::wstring& text) = 0;
+  virtual void ExpandNode(const std::wstring& key) = 0;
+  virtual int NodeCount() const = 0;
+  virtual std::optional<std::wstring> SelectedNode() const = 0;
+  virtual void SelectNode(const std::wstring& key) = 0;
+  virtual std::wstring NodeText(const std::wstring& key) const = 0;
+
+  virtual void SetFields(const std::wstring& name, const std::wstring& command, const std::wstring& hotKey) = 0;
+  virtual void FocusNameField() = 0;
+  // Opens the item menu at the selected node's text.
+  virtual void OpenItemMenu() = 0;
+  // Shows the preview pop-up and returns the command chosen (0: none).
+  virtual int TrackPreview(NativeMenu menu) = 0;
+  virtual void Close() = 0;
+};
+
+// Describes one item with the item wizard; true when the user finished it.
+class IItemWizard {
+ public:
+  virtual ~IItemWizard() = default;
+  virtual bool Describe(cMenuItem& item, bool isNew) = 0;
+};
+
+// What the editor works with; everything must outlive the editor.
+struct MenuEditorServices {
+  IPrompts& prompts;
+  cNarrixInfo& info;
+  cDefServer& defs;
+  IProfile& profile;
+  INativeMenus& menus;
+  // The program's braille display, made on the first LoadDefs and kept.
+  std::unique_ptr<IBrailleDisplay>& braille;
+  std::function<std::unique_ptr<IBrailleDisplay>()> makeBraille;
+  IItemWizard* wizard = nullptr;  // null: New and Edit are not available
+};
+
+class fMenuDef {
+ public:
+  fMenuDef(IMenuEditorView& view, MenuEditorServices services);
+
+  // Captions from the string table; the window calls it once when it loads.
+  void Form_Load();
+  // Prepares the window for one menu: the application `appName` in `menuDir`
+  // (or the general menu in `menuDir`). Reports a damaged menu file once.
+  void LoadDefs(const std::wstring& menuDir, const std::wstring& appName, bool general);
+  // The menu's items as HTML for the help page: "<H3>A</H3>" and the list,
+  // or "" when there is no menu.
+  std::wstring ListDefs(const std::wstring& menuDir, const std::wstring& appName, bool general);
+
+  // Writes the tree (or deletes the file when there is none). False, after
+  // telling the user, when the file could not be written.
+  bool Save();
+  void cmdOK_Click();
+  void cmdApply_Click();
+  void cmdCancel_Click();
+  // The window is about to close: true to let it (asks 635 when dirty).
+  bool Form_QueryUnload();
+
+  void trvMenu_NodeClick(const std::wstring& key);
+  // A key in the tree (`shift`: Shift 1, Control 2, Alt 4); true when used.
+  bool trvMenu_KeyDown(int key, int shift);
+  // The context menu for the selected node (keyboard or right click).
+  void OpenContextMenu();
+  // Sets the entries of the item menu for the selected node.
+  void PrepareItemMenu();
+  void Run(EditorCommand command);
+
+  void mnuPreview_Click();
+  void mnuNew_Click();
+  void mnuTreeEdit_Click();
+  void mnuTreeCopy_Click();
+  void mnuTreeCut_Click();
+  void mnuTreePaste_Click();
+  void mnuTreePasteAsNext_Click();
+  void mnuTreePasteAsChild_Click();
+  void mnuTreeDelete_Click();
+  void MoveSelected(bool down);
+
+  bool Dirty() const { return dirty_; }
+  const MenuItemPtr& Root() const { return root_; }
+
+ private:
+  std::wstring MenuPath() const;
+  std::wstring BraillePath() const;
+  int32_t IdBase() const { return general_ ? 128 : 256; }
+  std::wstring Title() const;
+  std::wstring HotKeyText(int32_t code) const;
+  void SetDirty(bool dirty);
+  void FillTree();
+  // Renumbers the tree, refills the view and selects `item`.
+  void Refresh(const cMenuItem* item);
+  cMenuItem* FindItem(int32_t menuId) const;
+  cMenuItem* ItemOfNode(const std::wstring& key) const;
+  cMenuItem* SelectedItem() const;
+  bool SelectedIsTop() const;
+  void PasteAt(cMenuItem* target, bool asChild);
+  void CaptionRoot();
+
+  IMenuEditorView& view_;
+  MenuEditorServices services_;
+  MenuItemPtr root_;
+  bool general_ = false;
+  bool dirty_ = false;
+  bool damaged_ = false;     // the file did not read completely
+  bool backedUp_ = false;    // the damaged original is kept as .bak
+  MenuItemPtr clipboard_;
+  bool cut_ = false;
+  std::wstring pasteNextTemplate_, pasteChildTemplate_;
+};
+
+// Keys of tree nodes: "k" followed by the MenuId.
+std::wstring NodeKey(int32_t menuId);
+std::optional<int32_t> MenuIdOfKey(const std::wstring& key);
+
+}  // namespace nx

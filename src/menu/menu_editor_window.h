@@ -1,0 +1,87 @@
+// The Windows window of the menu editor. It shows what fMenuDef decides,
+// forwards the user's actions to it, and runs modally over its owner.
+#pragma once
+
+#include <windows.h>
+#include <commctrl.h>
+
+#include <map>
+#include <string>
+
+#include "applist/app_select.h"
+#include "menu/menu_editor.h"
+#include "platform/win32_prompts.h"
+
+namespace nx {
+
+class MenuEditorWindow final : public IMenuEditorView {
+ public:
+  // `services.prompts` is ignored: the window asks its own questions.
+  MenuEditorWindow(HINSTANCE instance, const MenuEditorServices& services);
+  MenuEditorWindow(const MenuEditorWindow&) = delete;
+  MenuEditorWindow& operator=(const MenuEditorWindow&) = delete;
+  ~MenuEditorWindow() override;
+
+  // Creates the window, hidden, and runs its load handler. False on failure.
+  bool Create(HWND owner);
+  // Shows the window with the focus in the tree and returns when it is
+  // closed; the owner is disabled meanwhile and gets the focus back.
+  void RunModal();
+  fMenuDef& Logic() { return logic_; }
+  HWND Handle() const { return hwnd_; }
+
+  void SetTitle(const std::wstring& text) override;
+  void SetText(EditorText what, const std::wstring& text) override;
+  void SetCommandText(EditorCommand command, const std::wstring& text) override;
+  void EnableCommand(EditorCommand command, bool enabled) override;
+  void EnableApply(bool enabled) override;
+  void BeginTreeUpdate() override;
+  void EndTreeUpdate() override;
+  void ClearTree() override;
+  void AddNode(const std::wstring& key, const std::wstring& parentKey, const std::wstring& text) override;
+  void ExpandNode(const std::wstring& key) override;
+  int NodeCount() const override;
+  std::optional<std::wstring> SelectedNode() const override;
+  void SelectNode(const std::wstring& key) override;
+  std::wstring NodeText(const std::wstring& key) const override;
+  void SetFields(const std::wstring& name, const std::wstring& command, const std::wstring& hotKey) override;
+  void FocusNameField() override;
+  void OpenItemMenu() override;
+  int TrackPreview(NativeMenu menu) override;
+  void Close() override;
+
+ private:
+  static INT_PTR CALLBACK DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+  INT_PTR OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+  void OnCommand(int id);
+  void OnContextMenu(HWND from, LPARAM position);
+  // Keys of the program's loop: the tree's own keys and F9 anywhere.
+  bool PreTranslate(const MSG& msg);
+  HWND Tree() const;
+
+  HINSTANCE instance_;
+  HWND hwnd_ = nullptr;
+  HWND owner_ = nullptr;
+  bool closed_ = false;
+  bool updating_ = false;
+  Win32Prompts prompts_;
+  fMenuDef logic_;
+  std::map<std::wstring, HTREEITEM> nodes_;
+  std::map<HTREEITEM, std::wstring> keys_;
+};
+
+// Opens the menu editor for the application list.
+class MenuEditorLauncher final : public IMenuEditorEntry {
+ public:
+  MenuEditorLauncher(HINSTANCE instance, MenuEditorServices services, HWND owner = nullptr)
+      : instance_(instance), services_(std::move(services)), owner_(owner) {}
+  void SetOwner(HWND owner) { owner_ = owner; }
+  void EditMenu(const std::wstring& dirSet, const std::wstring& appName, bool general) override;
+
+ private:
+  HINSTANCE instance_;
+  MenuEditorServices services_;
+  HWND owner_;
+};
+
+}  // namespace nx
