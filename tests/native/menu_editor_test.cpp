@@ -1,0 +1,462 @@
+// The menu editor's logic through a fake view and scripted questions.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <deque>
+#include <map>
+#include <vector>
+
+#include "menu/menu_editor.h"
+#include "platform/text.h"
+#include "startup/command_line.h"
+#include "startup/settings.h"
+#include "startup/string_table.h"
+#include "temp_folder.h"
+
+namespace nx {
+namespace {
+
+// A tree view in memory: nodes in insertion order with their parents.
+class FakeEditorView : public IMenuEditorView {
+ public:
+  struct Node {
+    std::wstring key, parent, text;
+    bool expanded = false;
+  };
+  std::vector<Node> nodes;
+  std::optional<std::wstring> selected;
+  std::wstring title, fields[3];
+  std::map<EditorCommand, bool> enabled;
+  std::map<EditorCommand, std::wstring> commandTexts;
+  bool applyEnabled = false, closed = false, nameFocused = false;
+  int menusOpened = 0, updates = 0;
+  int previewAnswer = 0;
+
+  void SetTitle(const std::wstring& text) override { title = text; }
+  void SetText(EditorText, const std::wstring&) override {}
+  void SetCommandText(EditorCommand c, const std::wstring& text) override { commandTexts[c] = text; }
+  void EnableCommand(EditorCommand c, bool on) override { enabled[c] = on; }
+  void EnableApply(bool on) override { applyEnabled = on; }
+  void BeginTreeUpdate() override { ++updates; }
+  void EndTreeUpdate() override {}
+  void ClearTree() override {
+    nodes.clear();
+    selected.reset();
+  }
+  void AddNode(const std::wstring& key, const std::wstring& parent, const std::wstring& text) override {
+    nodes.push_back({key, parent, text});
+  }
+  void ExpandNode(const std::wstring& key) override { Find(key)->expanded = true; }
+  int NodeCount() const override { return static_cast<int>(nodes.size()); }
+  std::optional<std::wstring> SelectedNode() const override { return selected; }
+  void SelectNode(const std::wstring& key) override { selected = key; }
+  std::wstring NodeText(const std::wstring& key) const override {
+    for (const auto& n : nodes)
+      if (n.key == key) return n.text;
+    return {};
+  }
+  void SetFields(const std::wstring& a, const std::wstring& b, const std::wstring& c) override {
+    fields[0] = a;
+    fields[1] = b;
+    fields[2] = c;
+  }
+  void FocusNameField() override { nameFocused = true; }
+  void OpenItemMenu() override { ++menusOpened; }
+  int TrackPreview(NativeMenu) override { return previewAnswer; }
+  void Close() override { closed = true; }
+
+  Node* Find(const std::wstring& key) {
+    for (auto& n : nodes)
+      if (n.key == key) return &n;
+    return nullptr;
+  }
+  // "text(children)" of the tree as shown.
+  std::wstring Shape(const std::wstring& parent = L"") const {
+    std::wstring out;
+    for (const auto& n : nodes) {
+      if (n.parent != parent) continue;
+      const std::wstring inner = Shape(n.key);
+      out += (out.empty() ? L"" : L" ") + n.text + (inner.empty() ? L"" : L"(" + inner + L")");
+    }
+    return out;
+  }
+  void SelectText(const std::wstring& text) {
+    for (const auto& n : nodes)
+      if (n.text == text) selected = n.key;
+  }
+};
+
+class ScriptedPrompts : public IPrompts {
+ public:
+  struct Asked {
+    std::wstring text;
+    unsigned style;
+  };
+  std::deque<int> answers;
+  std::vector<Asked> asked;
+  int Message(const std::wstring& text, unsigned style, const std::wstring&) override {
+    asked.push_back({text, style});
+    if (answers.empty()) {
+      ADD_FAILURE() << "unexpected question: " << WideToUtf8(text);
+      return mb::kIdCancel;
+    }
+    const int answer = answers.front();
+    answers.pop_front();
+    return answer;
+  }
+};
+
+class NullMenus : public INativeMenus {
+ public:
+  NativeMenu CreatePopup() override { return 1; }
+  void AppendPopup(NativeMenu, NativeMenu, const std::wstring&) override {}
+  void AppendCommand(NativeMenu, int, const std::wstring&) override {}
+  void Destroy(NativeMenu) override {}
+};
+
+// The demo-like menu: File(Open, Save) Edit(Copy) Quit, all in "notepad".
+class MenuEditorTest : public ::testing::Test {
+ protected:
+  MenuEditorTest() {
+    SetUiLanguage(UiLanguage::English);
+    gBrailleName.clear();
+    gCmdDisplayName.clear();
+    std::filesystem::create_directories(dir_.Fs() / "Set" / "notepad");
+    registry_.WriteString(kProductKey, L"Path", dir_.Path());
+    info_.Inicialize(nullptr);
+    defs_.SetFolder(dir_.Path(L"Set\\"));
+    WriteMenu({{L"File", L"", 0}, {L"Open", L"open.vbs", 0x123}, {L"Save", L"SaveIt", 0}, {L"Edit", L"", 0},
+               {L"Copy", L"CopyIt", 0}, {L"Quit", L"QuitIt", 0}},
+              {0, 1, 1, 0, 1, 0});
+    editor_.Form_Load();
+  }
+
+  struct Spec {
+    const wchar_t *caption, *action;
+    int32_t hotKey;
+  };
+  void WriteMenu(const std::vector<Spec>& items, const std::vector<int>& levels) {
+    auto root = cMenuItem::New();
+    std::vector<cMenuItem*> parents{root.get()};
+    for (size_t i = 0; i < items.size(); ++i) {
+      parents.resize(static_cast<size_t>(levels[i]) + 1);
+      cMenuItem* parent = parents.back();
+      auto item = parent->SubItems.Add(1, parent, cMenuItem::New());
+      item->Caption = items[i].caption;
+      item->Action = items[i].action;
+      item->HotKey = items[i].hotKey;
+      parents.push_back(item.get());
+    }
+    ASSERT_TRUE(defs_.DefActions().FlushCommand2Def(MenuFile(), L"", *root));
+  }
+  std::wstring MenuFile() const { return dir_.Path(L"Set\\notepad\\Command.mnu"); }
+  void Open() { editor_.LoadDefs(dir_.Path(L"Set"), L"notepad", false); }
+  std::wstring Saved() {
+    defs_.DefActions().ItemCounter = 256;
+    auto root = defs_.DefActions().InitCommandDef(MenuFile(), L"");
+    std::wstring out;
+    WalkTree(
+        static_cast<const cMenuItem&>(*root),
+        [&](const cMenuItem& item, size_t level, int) {
+          out += std::wstring(level * 2, L' ') + item.Caption + L"\n";
+          return true;
+        },
+        [](const cMenuItem&, size_t) {});
+    return out;
+  }
+
+  test::TempFolder dir_;
+  MemoryRegistry registry_;
+  cNarrixInfo info_{registry_, L""};
+  BuiltinCodePage page_{1252};
+  PortableProfile profile_{page_};
+  cDefServer defs_{page_, profile_, L""};
+  NullMenus menus_;
+  std::unique_ptr<IBrailleDisplay> braille_;
+  ScriptedPrompts prompts_;
+  FakeEditorView view_;
+  fMenuDef editor_{view_, MenuEditorServices{prompts_, info_, defs_, profile_, menus_, braille_,
+                                             [] { return std::make_unique<NoBrailleDisplay>(); }, nullptr}};
+};
+
+TEST_F(MenuEditorTest, LoadingShowsTheTree) {
+  Open();
+  EXPECT_EQ(view_.title, L"Menu - notepad");
+  EXPECT_EQ(view_.Shape(), L"Application (notepad)(File(Open Save) Edit(Copy) Quit)");
+  EXPECT_EQ(view_.nodes[1].key, L"k256");
+  EXPECT_TRUE(view_.Find(L"k256")->expanded);
+  EXPECT_EQ(view_.selected, view_.nodes[0].key);
+  EXPECT_EQ(view_.fields[0], L"Application (notepad)");
+  EXPECT_TRUE(view_.enabled[EditorCommand::Preview]);
+  EXPECT_FALSE(editor_.Dirty());
+  EXPECT_NE(braille_, nullptr);  // made once, on the first load
+
+  view_.SelectText(L"Open");
+  editor_.trvMenu_NodeClick(*view_.selected);
+  EXPECT_EQ(view_.fields[1], L"open.vbs");
+  EXPECT_EQ(view_.fields[2], L"key(291)");
+
+  std::filesystem::remove(dir_.Fs() / "Set" / "notepad" / "Command.mnu");
+  Open();
+  EXPECT_EQ(view_.NodeCount(), 0);
+  EXPECT_FALSE(view_.enabled[EditorCommand::Preview]);
+  EXPECT_TRUE(prompts_.asked.empty());
+}
+
+TEST_F(MenuEditorTest, TitleTakesTheNameAsItIs) {
+  editor_.LoadDefs(dir_.Path(L"Set"), L"app %1", false);
+  EXPECT_EQ(view_.title, L"Menu - app %1");
+  editor_.LoadDefs(dir_.Path(L"Set"), L"", true);
+  EXPECT_EQ(view_.Shape(), L"");  // no general menu file
+}
+
+TEST_F(MenuEditorTest, CopyAndPasteAsNextTwiceMakesIndependentCopies) {
+  Open();
+  view_.SelectText(L"File");
+  editor_.mnuTreeCopy_Click();
+  view_.SelectText(L"Quit");
+  editor_.mnuTreePasteAsNext_Click();
+  editor_.mnuTreePasteAsNext_Click();  // the clipboard stays
+  EXPECT_EQ(view_.Shape(), L"Application (notepad)(File(Open Save) Edit(Copy) Quit File(Open Save) File(Open Save))");
+  EXPECT_EQ(view_.fields[0], L"File");  // the pasted copy is selected and shown
+  EXPECT_TRUE(editor_.Dirty());
+  EXPECT_TRUE(view_.applyEnabled);
+  // Fresh numbers: every key once.
+  std::vector<std::wstring> keys;
+  for (const auto& n : view_.nodes) keys.push_back(n.key);
+  std::sort(keys.begin(), keys.end());
+  EXPECT_EQ(std::unique(keys.begin(), keys.end()), keys.end());
+  editor_.cmdApply_Click();
+  EXPECT_FALSE(editor_.Dirty());
+  EXPECT_EQ(Saved(), L"File\n  Open\n  Save\nEdit\n  Copy\nQuit\nFile\n  Open\n  Save\nFile\n  Open\n  Save\n");
+}
+
+TEST_F(MenuEditorTest, PasteAsksWhereAndChecksPullDowns) {
+  Open();
+  view_.SelectText(L"Quit");
+  editor_.mnuTreeCut_Click();
+  view_.SelectText(L"Open");
+  const struct {
+    std::vector<int> answers;
+    const wchar_t* shape;
+  } steps[] = {
+      {{mb::kIdCancel}, L"Application (notepad)(File(Open Save) Edit(Copy) Quit)"},
+      // Yes, as a child: Open has an action, so the pull-down question follows; No keeps it.
+      {{mb::kIdYes, mb::kIdNo}, L"Application (notepad)(File(Open Save) Edit(Copy) Quit)"},
+      {{mb::kIdYes, mb::kIdYes}, L"Application (notepad)(File(Open(Quit) Save) Edit(Copy))"},
+  };
+  for (const auto& step : steps) {
+    prompts_.answers.assign(step.answers.begin(), step.answers.end());
+    view_.SelectText(L"Open");
+    editor_.mnuTreePaste_Click();
+    EXPECT_EQ(view_.Shape(), step.shape);
+  }
+  EXPECT_EQ(prompts_.asked[0].text, L"Save as subitem?");
+  EXPECT_EQ(prompts_.asked[0].style, 291u);
+  EXPECT_EQ(prompts_.asked[2].text.rfind(L"Item Open contains action and/or hotkey\r\n\r\n", 0), 0u);
+  EXPECT_EQ(prompts_.asked[2].style, 292u);
+  editor_.cmdApply_Click();
+  defs_.DefActions().ItemCounter = 256;
+  auto saved = defs_.DefActions().InitCommandDef(MenuFile(), L"");
+  const auto open = saved->SubItems.item(1)->SubItems.item(1);
+  EXPECT_EQ(open->Action, L"");  // it became a pull-down
+  EXPECT_EQ(open->HotKey, 0);
+
+  // On the top node the paste asks nothing and puts the item first.
+  view_.selected = view_.nodes[0].key;
+  editor_.mnuTreePaste_Click();
+  EXPECT_EQ(view_.Shape(), L"Application (notepad)(Quit File(Open Save) Edit(Copy))");
+}
+
+TEST_F(MenuEditorTest, ACutItemCannotGoIntoItsOwnSubtree) {
+  Open();
+  view_.SelectText(L"File");
+  editor_.mnuTreeCut_Click();
+  for (const wchar_t* target : {L"File", L"Save"}) {
+    view_.SelectText(target);
+    editor_.mnuTreePasteAsChild_Click();
+    editor_.mnuTreePasteAsNext_Click();
+  }
+  EXPECT_EQ(view_.Shape(), L"Application (notepad)(File(Open Save) Edit(Copy) Quit)");
+  EXPECT_FALSE(editor_.Dirty());
+  view_.SelectText(L"Quit");  // elsewhere it moves
+  editor_.mnuTreePasteAsNext_Click();
+  EXPECT_EQ(view_.Shape(), L"Application (notepad)(Edit(Copy) Quit File(Open Save))");
+}
+
+TEST_F(MenuEditorTest, TopNodeAndEmptyClipboardDoNothing) {
+  Open();
+  view_.selected = view_.nodes[0].key;
+  editor_.mnuTreeCopy_Click();
+  editor_.mnuTreeCut_Click();
+  editor_.mnuTreePaste_Click();
+  view_.SelectText(L"Quit");
+  editor_.mnuTreePasteAsNext_Click();
+  editor_.PrepareItemMenu();
+  EXPECT_FALSE(view_.enabled[EditorCommand::PasteAsNext]);
+  EXPECT_FALSE(view_.enabled[EditorCommand::PasteAsChild]);
+  EXPECT_FALSE(view_.enabled[EditorCommand::New]);  // no wizard in this program yet
+  EXPECT_FALSE(editor_.Dirty());
+  EXPECT_TRUE(prompts_.asked.empty());
+}
+
+TEST_F(MenuEditorTest, ItemMenuFollowsTheSelection) {
+  Open();
+  view_.SelectText(L"Save");
+  editor_.mnuTreeCopy_Click();
+  view_.SelectText(L"Edit");
+  EXPECT_TRUE(editor_.trvMenu_KeyDown(121, 1));  // Shift+F10
+  EXPECT_FALSE(editor_.trvMenu_KeyDown(121, 0));  // F10 alone is the menu bar's
+  EXPECT_TRUE(editor_.trvMenu_KeyDown(93, 0));
+  EXPECT_EQ(view_.menusOpened, 2);
+  EXPECT_EQ(view_.commandTexts[EditorCommand::PasteAsNext], L"Paste As Ne&xt (Edit)");
+  EXPECT_EQ(view_.commandTexts[EditorCommand::PasteAsChild], L"Paste As C&hild (Edit)");
+  EXPECT_TRUE(view_.enabled[EditorCommand::PasteAsNext]);
+  EXPECT_TRUE(view_.enabled[EditorCommand::Copy]);
+  EXPECT_TRUE(view_.enabled[EditorCommand::MoveUp]);
+  EXPECT_TRUE(view_.enabled[EditorCommand::MoveDown]);
+  view_.selected = view_.nodes[0].key;
+  editor_.OpenContextMenu();
+  EXPECT_EQ(view_.commandTexts[EditorCommand::PasteAsChild], L"Paste As C&hild (Application (notepad))");
+  EXPECT_FALSE(view_.enabled[EditorCommand::PasteAsNext]);
+  EXPECT_TRUE(view_.enabled[EditorCommand::PasteAsChild]);
+  EXPECT_FALSE(view_.enabled[EditorCommand::Cut]);
+}
+
+TEST_F(MenuEditorTest, DeleteAsksAndCleansUpScripts) {
+  Open();
+  dir_.Write(L"Set\\notepad\\Open.vbs", "x");
+  dir_.Write(L"Set\\notepad\\Open.frm", "x");
+  const struct {
+    const wchar_t* item;
+    std::vector<int> answers;
+    const wchar_t* question;
+    unsigned style;
+    const wchar_t* shape;
+  } steps[] = {
+      {L"Edit", {mb::kIdNo}, L"Are you sure to remove the item Edit and its subitems?", 36,
+       L"Application (notepad)(File(Open Save) Edit(Copy) Quit)"},
+      {L"Open", {mb::kIdYes, mb::kIdYes}, L"Are you sure to remove the item Open", 36,
+       L"Application (notepad)(File(Save) Edit(Copy) Quit)"},
+      {L"Edit", {mb::kIdYes}, L"Are you sure to remove the item Edit and its subitems?", 36,
+       L"Application (notepad)(File(Save) Quit)"},
+  };
+  for (const auto& step : steps) {
+    prompts_.asked.clear();
+    prompts_.answers.assign(step.answers.begin(), step.answers.end());
+    view_.SelectText(step.item);
+    EXPECT_TRUE(editor_.trvMenu_KeyDown(46, 0));
+    ASSERT_FALSE(prompts_.asked.empty());
+    EXPECT_EQ(prompts_.asked[0].text, step.question);
+    EXPECT_EQ(prompts_.asked[0].style, step.style);
+    EXPECT_EQ(view_.Shape(), step.shape);
+  }
+  EXPECT_EQ(view_.fields[0], L"Quit");  // the neighbour of Edit is selected and shown
+  EXPECT_FALSE(std::filesystem::exists(dir_.Fs() / "Set" / "notepad" / "Open.vbs"));
+  EXPECT_FALSE(std::filesystem::exists(dir_.Fs() / "Set" / "notepad" / "Open.frm"));
+
+  prompts_.answers = {mb::kIdYes};
+  view_.selected = view_.nodes[0].key;
+  editor_.mnuTreeDelete_Click();
+  EXPECT_EQ(prompts_.asked.back().text, L"This action will completely remove the definion file.");
+  EXPECT_EQ(prompts_.asked.back().style, 292u);
+  EXPECT_EQ(view_.NodeCount(), 0);
+  EXPECT_FALSE(view_.enabled[EditorCommand::Preview]);
+  editor_.cmdOK_Click();  // no tree: the file goes
+  EXPECT_FALSE(std::filesystem::exists(dir_.Fs() / "Set" / "notepad" / "Command.mnu"));
+  EXPECT_TRUE(view_.closed);
+}
+
+TEST_F(MenuEditorTest, ShiftUpAndDownMoveAmongSiblings) {
+  Open();
+  view_.SelectText(L"Quit");
+  EXPECT_TRUE(editor_.trvMenu_KeyDown(40, 1));  // already last: nothing
+  EXPECT_FALSE(editor_.Dirty());
+  editor_.trvMenu_KeyDown(38, 1);
+  editor_.trvMenu_KeyDown(38, 1);
+  editor_.trvMenu_KeyDown(38, 1);  // already first
+  EXPECT_EQ(view_.Shape(), L"Application (notepad)(Quit File(Open Save) Edit(Copy))");
+  EXPECT_EQ(view_.fields[0], L"Quit");
+  view_.SelectText(L"Open");
+  editor_.trvMenu_KeyDown(40, 1);
+  EXPECT_EQ(view_.Shape(), L"Application (notepad)(Quit File(Save Open) Edit(Copy))");
+  EXPECT_TRUE(editor_.Dirty());
+}
+
+TEST_F(MenuEditorTest, DirtyFlagAcrossApplyOkCancelAndClose) {
+  Open();
+  EXPECT_TRUE(editor_.Form_QueryUnload());  // nothing changed: no question
+  view_.SelectText(L"Quit");
+  editor_.trvMenu_KeyDown(38, 1);
+  prompts_.answers = {mb::kIdCancel};
+  editor_.cmdCancel_Click();
+  EXPECT_FALSE(editor_.Form_QueryUnload());  // Cancel keeps the window and the edit
+  EXPECT_EQ(prompts_.asked.back().text, L"Save changes?");
+  EXPECT_EQ(prompts_.asked.back().style, 35u);
+  prompts_.answers = {mb::kIdNo};
+  EXPECT_TRUE(editor_.Form_QueryUnload());
+  EXPECT_EQ(Saved(), L"File\n  Open\n  Save\nEdit\n  Copy\nQuit\n");
+  prompts_.answers = {mb::kIdYes};
+  EXPECT_TRUE(editor_.Form_QueryUnload());
+  EXPECT_EQ(Saved(), L"File\n  Open\n  Save\nQuit\nEdit\n  Copy\n");
+  editor_.trvMenu_KeyDown(38, 1);
+  editor_.cmdApply_Click();
+  EXPECT_TRUE(editor_.Form_QueryUnload());  // Apply, then Cancel: no question
+}
+
+TEST_F(MenuEditorTest, PreviewChoiceSelectsTheItem) {
+  Open();
+  view_.previewAnswer = 257;  // "Open"
+  editor_.mnuPreview_Click();
+  EXPECT_EQ(view_.fields[0], L"Open");
+  EXPECT_TRUE(view_.nameFocused);
+  view_.nameFocused = false;
+  view_.previewAnswer = 0;
+  editor_.mnuPreview_Click();
+  EXPECT_FALSE(view_.nameFocused);
+}
+
+TEST_F(MenuEditorTest, DamagedFileIsReportedAndKept) {
+  std::string bytes = dir_.Read(L"Set\\notepad\\Command.mnu");
+  dir_.Write(L"Set\\notepad\\Command.mnu", bytes.substr(0, bytes.size() - 3));
+  prompts_.answers = {mb::kIdOk};
+  Open();
+  ASSERT_EQ(prompts_.asked.size(), 1u);
+  EXPECT_NE(prompts_.asked[0].text.find(L"Command.mnu is damaged"), std::wstring::npos);
+  EXPECT_EQ(view_.Shape(), L"Application (notepad)(File(Open Save) Edit(Copy))");
+  editor_.cmdApply_Click();
+  editor_.cmdApply_Click();
+  EXPECT_EQ(dir_.Read(L"Set\\notepad\\Command.mnu.bak"), bytes.substr(0, bytes.size() - 3));
+  EXPECT_EQ(prompts_.asked.size(), 1u);
+}
+
+TEST_F(MenuEditorTest, AFailedSaveKeepsTheWindowAndTheEdits) {
+  Open();
+  view_.SelectText(L"Quit");
+  editor_.trvMenu_KeyDown(38, 1);
+  std::filesystem::remove_all(dir_.Fs() / "Set" / "notepad");
+  prompts_.answers = {mb::kIdOk};
+  editor_.cmdOK_Click();
+  EXPECT_FALSE(view_.closed);
+  EXPECT_TRUE(editor_.Dirty());
+  EXPECT_NE(prompts_.asked.back().text.find(L"could not be saved"), std::wstring::npos);
+}
+
+TEST_F(MenuEditorTest, ListDefsRendersTheHelpSection) {
+  WriteMenu({{L"Read", L"", 0}, {L"Line", L"SayLine", 0x00030074}, {L"Deeper", L"", 0}, {L"Word", L"SayWord", 0},
+             {L"Tips", L"shell(notepad $(appsetdir)\\TIPS.txt)", 0}, {L"Tipy", L"shell(tips tipy)", 0}},
+            {0, 1, 1, 2, 0, 0});
+  EXPECT_EQ(editor_.ListDefs(dir_.Path(L"Set"), L"notepad", false),
+            L"<H3>notepad</H3>\r\n"
+            L"<UL><LI>Read</LI>\r\n"
+            L"<UL><LI>Line ( C+S+key(116) ) </LI>\r\n"
+            L"<LI>Deeper</LI>\r\n"
+            L"<UL><LI>Word</LI>\r\n"
+            L"</UL></UL><LI><A href=\"..\\..\\set\\notepad\\tips.txt\">Tips</A></LI>\r\n"
+            L"<LI><A href=\"..\\..\\set\\notepad\\tipy.txt\">Tipy</A></LI>\r\n"
+            L"</UL>");
+  EXPECT_EQ(editor_.ListDefs(dir_.Path(L"Set"), L"nothing", false), L"");
+}
+
+}  // namespace
+}  // namespace nx
