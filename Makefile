@@ -56,8 +56,9 @@ test-wine: win
 	cd $(WIN) && ctest --output-on-failure -j $(JOBS)
 
 # Speed against baselines measured in the same run (figures: docs/benchmarks.md).
-bench: native
+bench: native win
 	$(NATIVE)/bin/menu_bench --benchmark_min_time=1
+	bash tests/wine/run_exe.sh $(BUILD)/editor-bench $(WIN)/bin/editor_bench.exe @WORK
 
 screenshots: win
 	bash scripts/screenshots.sh $(WIN)/bin $(NATIVE)/demo $(BUILD)/screenshots docs

@@ -131,17 +131,18 @@ void fMenuDef::LoadDefs(const std::wstring& menuDir, const std::wstring& appName
 
 void fMenuDef::FillTree() {
   if (!root_) return;
-  view_.AddNode(NodeKey(root_->MenuId), L"", root_->Caption);
+  // Every node with children is shown expanded. Marking it so when it is
+  // added costs nothing; expanding it afterwards makes the tree recount all
+  // its visible nodes each time.
+  view_.AddNode(NodeKey(root_->MenuId), L"", root_->Caption, root_->SubItems.Count() > 0);
   WalkTree(
       static_cast<const cMenuItem&>(*root_),
       [this](const cMenuItem& item, size_t, int) {
-        view_.AddNode(NodeKey(item.MenuId), NodeKey(item.Parent ? item.Parent->MenuId : 0), item.Caption);
+        view_.AddNode(NodeKey(item.MenuId), NodeKey(item.Parent ? item.Parent->MenuId : 0), item.Caption,
+                      item.SubItems.Count() > 0);
         return true;
       },
-      [this](const cMenuItem& item, size_t) {
-        if (item.SubItems.Count() > 0) view_.ExpandNode(NodeKey(item.MenuId));
-      });
-  if (root_->SubItems.Count() > 0) view_.ExpandNode(NodeKey(root_->MenuId));
+      [](const cMenuItem&, size_t) {});
 }
 
 void fMenuDef::Refresh(const cMenuItem* item) {
@@ -285,8 +286,7 @@ std::wstring fMenuDef::ListDefs(const std::wstring& menuDir, const std::wstring&
         const wchar_t* tips = action.find(L"tipy") != std::wstring::npos   ? L"tipy"
                               : action.find(L"tips") != std::wstring::npos ? L"tips"
                                                                            : nullptr;
-        if (tips)
-          entry = L"<A href=\"..\\..\\set\\" + appName + L"\\" + tips + L".txt\">" + item.Caption + L"</A>";
+        if (tips) entry = L"<A href=\"..\\..\\set\\" + appName + L"\\" + tips + L".txt\">" + item.Caption + L"</A>";
         text += L"<LI>" + entry + keyText + L"</LI>\r\n";
         return true;
       },
@@ -309,8 +309,8 @@ bool fMenuDef::trvMenu_KeyDown(int key, int shift) {
     int key, shift;
     EditorCommand command;
   } keys[] = {
-      {13, kAlt, EditorCommand::Edit},      {40, kShift, EditorCommand::MoveDown}, {38, kShift, EditorCommand::MoveUp},
-      {46, 0, EditorCommand::Delete},       {'C', kControl, EditorCommand::Copy},  {'X', kControl, EditorCommand::Cut},
+      {13, kAlt, EditorCommand::Edit},       {40, kShift, EditorCommand::MoveDown}, {38, kShift, EditorCommand::MoveUp},
+      {46, 0, EditorCommand::Delete},        {'C', kControl, EditorCommand::Copy},  {'X', kControl, EditorCommand::Cut},
       {'V', kControl, EditorCommand::Paste}, {'N', kControl, EditorCommand::New},
   };
   for (const auto& k : keys) {
@@ -349,17 +349,39 @@ void fMenuDef::PrepareItemMenu() {
 
 void fMenuDef::Run(EditorCommand command) {
   switch (command) {
-    case EditorCommand::New: mnuNew_Click(); break;
-    case EditorCommand::Edit: mnuTreeEdit_Click(); break;
-    case EditorCommand::Copy: mnuTreeCopy_Click(); break;
-    case EditorCommand::Cut: mnuTreeCut_Click(); break;
-    case EditorCommand::Paste: mnuTreePaste_Click(); break;
-    case EditorCommand::PasteAsNext: mnuTreePasteAsNext_Click(); break;
-    case EditorCommand::PasteAsChild: mnuTreePasteAsChild_Click(); break;
-    case EditorCommand::Delete: mnuTreeDelete_Click(); break;
-    case EditorCommand::MoveUp: MoveSelected(false); break;
-    case EditorCommand::MoveDown: MoveSelected(true); break;
-    case EditorCommand::Preview: mnuPreview_Click(); break;
+    case EditorCommand::New:
+      mnuNew_Click();
+      break;
+    case EditorCommand::Edit:
+      mnuTreeEdit_Click();
+      break;
+    case EditorCommand::Copy:
+      mnuTreeCopy_Click();
+      break;
+    case EditorCommand::Cut:
+      mnuTreeCut_Click();
+      break;
+    case EditorCommand::Paste:
+      mnuTreePaste_Click();
+      break;
+    case EditorCommand::PasteAsNext:
+      mnuTreePasteAsNext_Click();
+      break;
+    case EditorCommand::PasteAsChild:
+      mnuTreePasteAsChild_Click();
+      break;
+    case EditorCommand::Delete:
+      mnuTreeDelete_Click();
+      break;
+    case EditorCommand::MoveUp:
+      MoveSelected(false);
+      break;
+    case EditorCommand::MoveDown:
+      MoveSelected(true);
+      break;
+    case EditorCommand::Preview:
+      mnuPreview_Click();
+      break;
   }
 }
 

@@ -57,8 +57,10 @@ class IMenuEditorView {
   virtual void BeginTreeUpdate() = 0;
   virtual void EndTreeUpdate() = 0;
   virtual void ClearTree() = 0;
-  virtual void AddNode(const std::wstring& key, const std::wstring& parentKey, const std::wstring& text) = 0;
-  virtual void ExpandNode(const std::wstring& key) = 0;
+  // Adds a node as the last child of `parentKey` ("" for a top node), shown
+  // expanded when `expanded` (an item with children).
+  virtual void AddNode(const std::wstring& key, const std::wstring& parentKey, const std::wstring& text,
+                       bool expanded) = 0;
   virtual int NodeCount() const = 0;
   virtual std::optional<std::wstring> SelectedNode() const = 0;
   virtual void SelectNode(const std::wstring& key) = 0;
@@ -160,8 +162,8 @@ class fMenuDef {
   MenuItemPtr root_;
   bool general_ = false;
   bool dirty_ = false;
-  bool damaged_ = false;     // the file did not read completely
-  bool backedUp_ = false;    // the damaged original is kept as .bak
+  bool damaged_ = false;   // the file did not read completely
+  bool backedUp_ = false;  // the damaged original is kept as .bak
   MenuItemPtr clipboard_;
   bool cut_ = false;
   std::wstring pasteNextTemplate_, pasteChildTemplate_;

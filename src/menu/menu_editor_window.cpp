@@ -7,17 +7,28 @@ namespace {
 
 int CommandId(EditorCommand command) {
   switch (command) {
-    case EditorCommand::New: return IDM_NEW;
-    case EditorCommand::Edit: return IDM_EDIT;
-    case EditorCommand::Copy: return IDM_COPY;
-    case EditorCommand::Cut: return IDM_CUT;
-    case EditorCommand::Paste: return IDM_PASTE;
-    case EditorCommand::PasteAsNext: return IDM_PASTE_NEXT;
-    case EditorCommand::PasteAsChild: return IDM_PASTE_CHILD;
-    case EditorCommand::Delete: return IDM_DELETE;
-    case EditorCommand::MoveUp: return IDM_MOVE_UP;
-    case EditorCommand::MoveDown: return IDM_MOVE_DOWN;
-    case EditorCommand::Preview: return IDM_PREVIEW;
+    case EditorCommand::New:
+      return IDM_NEW;
+    case EditorCommand::Edit:
+      return IDM_EDIT;
+    case EditorCommand::Copy:
+      return IDM_COPY;
+    case EditorCommand::Cut:
+      return IDM_CUT;
+    case EditorCommand::Paste:
+      return IDM_PASTE;
+    case EditorCommand::PasteAsNext:
+      return IDM_PASTE_NEXT;
+    case EditorCommand::PasteAsChild:
+      return IDM_PASTE_CHILD;
+    case EditorCommand::Delete:
+      return IDM_DELETE;
+    case EditorCommand::MoveUp:
+      return IDM_MOVE_UP;
+    case EditorCommand::MoveDown:
+      return IDM_MOVE_DOWN;
+    case EditorCommand::Preview:
+      return IDM_PREVIEW;
   }
   return 0;
 }
@@ -38,8 +49,8 @@ MenuEditorServices AskingThrough(IPrompts& prompts, const MenuEditorServices& s)
 
 }  // namespace
 
-MenuEditorWindow::MenuEditorWindow(HINSTANCE instance, const MenuEditorServices& services)
-    : instance_(instance), logic_(*this, AskingThrough(prompts_, services)) {}
+MenuEditorWindow::MenuEditorWindow(HINSTANCE instance, const MenuEditorServices& services, IPrompts* askWith)
+    : instance_(instance), logic_(*this, AskingThrough(askWith ? *askWith : prompts_, services)) {}
 
 MenuEditorWindow::~MenuEditorWindow() {
   if (hwnd_) DestroyWindow(hwnd_);
@@ -145,10 +156,17 @@ INT_PTR MenuEditorWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) 
 
 void MenuEditorWindow::OnCommand(int id) {
   switch (id) {
-    case IDOK: logic_.cmdOK_Click(); return;
-    case IDCANCEL: logic_.cmdCancel_Click(); return;
-    case IDC_CMD_APPLY: logic_.cmdApply_Click(); return;
-    default: break;
+    case IDOK:
+      logic_.cmdOK_Click();
+      return;
+    case IDCANCEL:
+      logic_.cmdCancel_Click();
+      return;
+    case IDC_CMD_APPLY:
+      logic_.cmdApply_Click();
+      return;
+    default:
+      break;
   }
   for (EditorCommand command :
        {EditorCommand::New, EditorCommand::Edit, EditorCommand::Copy, EditorCommand::Cut, EditorCommand::Paste,
@@ -177,13 +195,27 @@ void MenuEditorWindow::SetTitle(const std::wstring& text) { SetWindowTextW(hwnd_
 void MenuEditorWindow::SetText(EditorText what, const std::wstring& text) {
   int id = 0;
   switch (what) {
-    case EditorText::TreeLabel: id = IDC_LBL_TREE; break;
-    case EditorText::NameLabel: id = IDC_LBL_NAME; break;
-    case EditorText::CommandLabel: id = IDC_LBL_COMMAND; break;
-    case EditorText::HotKeyLabel: id = IDC_LBL_HOTKEY; break;
-    case EditorText::Ok: id = IDOK; break;
-    case EditorText::Cancel: id = IDCANCEL; break;
-    case EditorText::Apply: id = IDC_CMD_APPLY; break;
+    case EditorText::TreeLabel:
+      id = IDC_LBL_TREE;
+      break;
+    case EditorText::NameLabel:
+      id = IDC_LBL_NAME;
+      break;
+    case EditorText::CommandLabel:
+      id = IDC_LBL_COMMAND;
+      break;
+    case EditorText::HotKeyLabel:
+      id = IDC_LBL_HOTKEY;
+      break;
+    case EditorText::Ok:
+      id = IDOK;
+      break;
+    case EditorText::Cancel:
+      id = IDCANCEL;
+      break;
+    case EditorText::Apply:
+      id = IDC_CMD_APPLY;
+      break;
     case EditorText::ItemMenu: {
       MENUITEMINFOW info{};
       info.cbSize = sizeof(info);
@@ -243,22 +275,20 @@ void MenuEditorWindow::ClearTree() {
   keys_.clear();
 }
 
-void MenuEditorWindow::AddNode(const std::wstring& key, const std::wstring& parentKey, const std::wstring& text) {
+void MenuEditorWindow::AddNode(const std::wstring& key, const std::wstring& parentKey, const std::wstring& text,
+                               bool expanded) {
   TVINSERTSTRUCTW insert{};
   auto parent = nodes_.find(parentKey);
   insert.hParent = parentKey.empty() || parent == nodes_.end() ? TVI_ROOT : parent->second;
   insert.hInsertAfter = TVI_LAST;
-  insert.item.mask = TVIF_TEXT;
+  insert.item.mask = TVIF_TEXT | TVIF_STATE;
+  insert.item.state = expanded ? TVIS_EXPANDED : 0;
+  insert.item.stateMask = TVIS_EXPANDED;
   insert.item.pszText = const_cast<wchar_t*>(text.c_str());
   HTREEITEM item = TreeView_InsertItem(Tree(), &insert);
   if (!item) return;
   nodes_[key] = item;
   keys_[item] = key;
-}
-
-void MenuEditorWindow::ExpandNode(const std::wstring& key) {
-  auto node = nodes_.find(key);
-  if (node != nodes_.end()) TreeView_Expand(Tree(), node->second, TVE_EXPAND);
 }
 
 int MenuEditorWindow::NodeCount() const { return static_cast<int>(TreeView_GetCount(Tree())); }

@@ -5,7 +5,7 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include <map>
+#include <unordered_map>
 #include <string>
 
 #include "applist/app_select.h"
@@ -16,8 +16,9 @@ namespace nx {
 
 class MenuEditorWindow final : public IMenuEditorView {
  public:
-  // `services.prompts` is ignored: the window asks its own questions.
-  MenuEditorWindow(HINSTANCE instance, const MenuEditorServices& services);
+  // The window asks its questions in its own message boxes, or through
+  // `askWith` when given (for measurements that must not stop).
+  MenuEditorWindow(HINSTANCE instance, const MenuEditorServices& services, IPrompts* askWith = nullptr);
   MenuEditorWindow(const MenuEditorWindow&) = delete;
   MenuEditorWindow& operator=(const MenuEditorWindow&) = delete;
   ~MenuEditorWindow() override;
@@ -38,8 +39,8 @@ class MenuEditorWindow final : public IMenuEditorView {
   void BeginTreeUpdate() override;
   void EndTreeUpdate() override;
   void ClearTree() override;
-  void AddNode(const std::wstring& key, const std::wstring& parentKey, const std::wstring& text) override;
-  void ExpandNode(const std::wstring& key) override;
+  void AddNode(const std::wstring& key, const std::wstring& parentKey, const std::wstring& text,
+               bool expanded) override;
   int NodeCount() const override;
   std::optional<std::wstring> SelectedNode() const override;
   void SelectNode(const std::wstring& key) override;
@@ -66,8 +67,8 @@ class MenuEditorWindow final : public IMenuEditorView {
   bool updating_ = false;
   Win32Prompts prompts_;
   fMenuDef logic_;
-  std::map<std::wstring, HTREEITEM> nodes_;
-  std::map<HTREEITEM, std::wstring> keys_;
+  std::unordered_map<std::wstring, HTREEITEM> nodes_;
+  std::unordered_map<HTREEITEM, std::wstring> keys_;
 };
 
 // Opens the menu editor for the application list.

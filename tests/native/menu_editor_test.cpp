@@ -43,10 +43,9 @@ class FakeEditorView : public IMenuEditorView {
     nodes.clear();
     selected.reset();
   }
-  void AddNode(const std::wstring& key, const std::wstring& parent, const std::wstring& text) override {
-    nodes.push_back({key, parent, text});
+  void AddNode(const std::wstring& key, const std::wstring& parent, const std::wstring& text, bool expanded) override {
+    nodes.push_back({key, parent, text, expanded});
   }
-  void ExpandNode(const std::wstring& key) override { Find(key)->expanded = true; }
   int NodeCount() const override { return static_cast<int>(nodes.size()); }
   std::optional<std::wstring> SelectedNode() const override { return selected; }
   void SelectNode(const std::wstring& key) override { selected = key; }
@@ -125,8 +124,12 @@ class MenuEditorTest : public ::testing::Test {
     registry_.WriteString(kProductKey, L"Path", dir_.Path());
     info_.Inicialize(nullptr);
     defs_.SetFolder(dir_.Path(L"Set\\"));
-    WriteMenu({{L"File", L"", 0}, {L"Open", L"open.vbs", 0x123}, {L"Save", L"SaveIt", 0}, {L"Edit", L"", 0},
-               {L"Copy", L"CopyIt", 0}, {L"Quit", L"QuitIt", 0}},
+    WriteMenu({{L"File", L"", 0},
+               {L"Open", L"open.vbs", 0x123},
+               {L"Save", L"SaveIt", 0},
+               {L"Edit", L"", 0},
+               {L"Copy", L"CopyIt", 0},
+               {L"Quit", L"QuitIt", 0}},
               {0, 1, 1, 0, 1, 0});
     editor_.Form_Load();
   }
@@ -185,6 +188,7 @@ TEST_F(MenuEditorTest, LoadingShowsTheTree) {
   EXPECT_EQ(view_.Shape(), L"Application (notepad)(File(Open Save) Edit(Copy) Quit)");
   EXPECT_EQ(view_.nodes[1].key, L"k256");
   EXPECT_TRUE(view_.Find(L"k256")->expanded);
+  EXPECT_FALSE(view_.Find(L"k257")->expanded);
   EXPECT_EQ(view_.selected, view_.nodes[0].key);
   EXPECT_EQ(view_.fields[0], L"Application (notepad)");
   EXPECT_TRUE(view_.enabled[EditorCommand::Preview]);
@@ -305,7 +309,7 @@ TEST_F(MenuEditorTest, ItemMenuFollowsTheSelection) {
   view_.SelectText(L"Save");
   editor_.mnuTreeCopy_Click();
   view_.SelectText(L"Edit");
-  EXPECT_TRUE(editor_.trvMenu_KeyDown(121, 1));  // Shift+F10
+  EXPECT_TRUE(editor_.trvMenu_KeyDown(121, 1));   // Shift+F10
   EXPECT_FALSE(editor_.trvMenu_KeyDown(121, 0));  // F10 alone is the menu bar's
   EXPECT_TRUE(editor_.trvMenu_KeyDown(93, 0));
   EXPECT_EQ(view_.menusOpened, 2);
@@ -334,11 +338,20 @@ TEST_F(MenuEditorTest, DeleteAsksAndCleansUpScripts) {
     unsigned style;
     const wchar_t* shape;
   } steps[] = {
-      {L"Edit", {mb::kIdNo}, L"Are you sure to remove the item Edit and its subitems?", 36,
+      {L"Edit",
+       {mb::kIdNo},
+       L"Are you sure to remove the item Edit and its subitems?",
+       36,
        L"Application (notepad)(File(Open Save) Edit(Copy) Quit)"},
-      {L"Open", {mb::kIdYes, mb::kIdYes}, L"Are you sure to remove the item Open", 36,
+      {L"Open",
+       {mb::kIdYes, mb::kIdYes},
+       L"Are you sure to remove the item Open",
+       36,
        L"Application (notepad)(File(Save) Edit(Copy) Quit)"},
-      {L"Edit", {mb::kIdYes}, L"Are you sure to remove the item Edit and its subitems?", 36,
+      {L"Edit",
+       {mb::kIdYes},
+       L"Are you sure to remove the item Edit and its subitems?",
+       36,
        L"Application (notepad)(File(Save) Quit)"},
   };
   for (const auto& step : steps) {
@@ -443,8 +456,12 @@ TEST_F(MenuEditorTest, AFailedSaveKeepsTheWindowAndTheEdits) {
 }
 
 TEST_F(MenuEditorTest, ListDefsRendersTheHelpSection) {
-  WriteMenu({{L"Read", L"", 0}, {L"Line", L"SayLine", 0x00030074}, {L"Deeper", L"", 0}, {L"Word", L"SayWord", 0},
-             {L"Tips", L"shell(notepad $(appsetdir)\\TIPS.txt)", 0}, {L"Tipy", L"shell(tips tipy)", 0}},
+  WriteMenu({{L"Read", L"", 0},
+             {L"Line", L"SayLine", 0x00030074},
+             {L"Deeper", L"", 0},
+             {L"Word", L"SayWord", 0},
+             {L"Tips", L"shell(notepad $(appsetdir)\\TIPS.txt)", 0},
+             {L"Tipy", L"shell(tips tipy)", 0}},
             {0, 1, 1, 2, 0, 0});
   EXPECT_EQ(editor_.ListDefs(dir_.Path(L"Set"), L"notepad", false),
             L"<H3>notepad</H3>\r\n"

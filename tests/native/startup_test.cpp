@@ -181,6 +181,7 @@ TEST(StringTable, EveryIdInBothLanguages) {
                           {601, 606},
                           {608, 617},
                           {630, 636},
+                          {640, 644},  // ours: preview, damaged file, failed save, moving
                           {700, 715},
                           {717, 725},
                           {1050, 1050},
@@ -194,7 +195,7 @@ TEST(StringTable, TextsAndPlaceholders) {
   SetUiLanguage(UiLanguage::English);
   EXPECT_EQ(LoadResText(505, L"winword"), L"Create a new menu for \"winword\"?");
   EXPECT_EQ(LoadResText(999), L"");
-  EXPECT_EQ(LoadResText(612), L"Edit\tAlt+ENTER");
+  EXPECT_EQ(LoadResText(612), L"&Edit\tAlt+ENTER");
   EXPECT_EQ(LoadResText(630, L"X").rfind(L"Item X contains action and/or hotkey\r\n\r\nPull-down", 0), 0u);
   SetUiLanguage(UiLanguage::Czech);
   EXPECT_EQ(LoadResText(501), L"Úprava nabídky");

@@ -66,8 +66,13 @@ case "$CASE" in
     press Return  # Yes is the default button
     for _ in $(seq 1 50); do [ -d "$WORK/install/Set/calc" ] && break; sleep 0.2; done
     [ -d "$WORK/install/Set/calc" ] || fail "the folder of the new menu was not created"
-    got=$(probe list "Menu modification" 30000 | grep -E '^(entry|selected):')
-    expect_same $'entry: (Narrix)\nentry: calc\nentry: excel\nentry: notepad\nentry: winword\nselected: 1' "$got" "list with the new application selected"
+    # The new, empty menu opens in the editor; Escape closes it unchanged.
+    got=$(timeout 60 wine "$BIN/nxprobe.exe" editor "Menu - calc" 30000 2>/dev/null | tr -d '\r' | grep -E '^(nodes|focus):')
+    [ "$got" = $'nodes: 0\nfocus: 1103' ] || { fail "the editor of the new menu"; echo "$got" | sed 's/^/    /'; }
+    press Escape
+    [ -e "$WORK/install/Set/calc/Command.mnu" ] && fail "closing an unchanged new menu wrote a file"
+    got=$(probe list "Menu modification" 30000 | grep -E '^(entry|selected|focus):')
+    expect_same $'entry: (Narrix)\nentry: calc\nentry: excel\nentry: notepad\nentry: winword\nselected: 1\nfocus: 1003' "$got" "list with the new application selected"
     press Escape
     nx_wait_exit "$PROGRAM_PID" 20 || fail "Escape did not end the program"
     ;;

@@ -155,8 +155,8 @@ void fMenuDef::mnuTreeDelete_Click() {
   SetDirty(true);
 
   const std::wstring script = JoinPath(JoinPath(services_.info.DirSet(), gAppName), removed->Caption + L".vbs");
-  if (FileExists(script) && services_.prompts.Message(L"Smazat soubor " + removed->Caption + L".vbs?",
-                                                      kYesNoDefaultNo, LoadResText(kProductTitle)) == mb::kIdYes) {
+  if (FileExists(script) && services_.prompts.Message(L"Smazat soubor " + removed->Caption + L".vbs?", kYesNoDefaultNo,
+                                                      LoadResText(kProductTitle)) == mb::kIdYes) {
     std::error_code ignored;
     std::filesystem::remove(ToFsPath(script), ignored);
     std::filesystem::remove(ToFsPath(script.substr(0, script.size() - 4) + L".frm"), ignored);
@@ -189,7 +189,7 @@ void fMenuDef::mnuNew_Click() {
     root_ = cMenuItem::New();
     root_->Caption = L"[root]";
     root_->Caption = general_ ? LoadResText(kGeneral) : LoadResText(kApplication, gAppName);
-    view_.AddNode(NodeKey(root_->MenuId), L"", root_->Caption);
+    view_.AddNode(NodeKey(root_->MenuId), L"", root_->Caption, false);
     view_.SelectNode(NodeKey(root_->MenuId));
   }
   clipboard_ = item;
