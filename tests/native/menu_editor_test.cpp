@@ -455,6 +455,49 @@ TEST_F(MenuEditorTest, AFailedSaveKeepsTheWindowAndTheEdits) {
   EXPECT_NE(prompts_.asked.back().text.find(L"could not be saved"), std::wstring::npos);
 }
 
+// Stands in for the item wizard: renames the item, or is cancelled.
+class RenamingWizard : public IItemWizard {
+ public:
+  std::wstring newCaption;
+  bool finish = true;
+  std::vector<std::wstring> seen;
+  bool Describe(cMenuItem& item, bool isNew) override {
+    seen.push_back((isNew ? L"new " : L"edit ") + item.Caption);
+    if (finish) item.Caption = newCaption;
+    return finish;
+  }
+};
+
+TEST_F(MenuEditorTest, NewAndEditGoThroughTheWizard) {
+  RenamingWizard wizard;
+  fMenuDef editor(view_, MenuEditorServices{prompts_, info_, defs_, profile_, menus_, braille_, nullptr, &wizard});
+  editor.Form_Load();
+  editor.LoadDefs(dir_.Path(L"Set"), L"notepad", false);
+
+  view_.SelectText(L"Save");
+  wizard.newCaption = L"Save as";
+  EXPECT_TRUE(editor.trvMenu_KeyDown(13, 4));  // Alt+Enter
+  wizard.finish = false;
+  editor.mnuTreeEdit_Click();  // cancelled: nothing changes
+  EXPECT_EQ(view_.Shape(), L"Application (notepad)(File(Open Save as) Edit(Copy) Quit)");
+  EXPECT_EQ(view_.fields[0], L"Save as");
+
+  wizard.finish = true;
+  wizard.newCaption = L"Print";
+  prompts_.answers = {mb::kIdNo};  // "Save as subitem?" No: after the selected item
+  EXPECT_TRUE(editor.trvMenu_KeyDown('N', 2));
+  EXPECT_EQ(view_.Shape(), L"Application (notepad)(File(Open Save as Print) Edit(Copy) Quit)");
+  EXPECT_EQ(wizard.seen, (std::vector<std::wstring>{L"edit Save", L"edit Save as", L"new New item"}));
+  EXPECT_TRUE(editor.Dirty());
+
+  // In an empty menu the first new item makes the top node and goes under it unasked.
+  std::filesystem::remove(dir_.Fs() / "Set" / "notepad" / "Command.mnu");
+  editor.LoadDefs(dir_.Path(L"Set"), L"notepad", false);
+  editor.mnuNew_Click();
+  EXPECT_EQ(view_.Shape(), L"Application (notepad)(Print)");
+  EXPECT_TRUE(view_.enabled[EditorCommand::Preview]);
+}
+
 TEST_F(MenuEditorTest, ListDefsRendersTheHelpSection) {
   WriteMenu({{L"Read", L"", 0},
              {L"Line", L"SayLine", 0x00030074},
