@@ -1,5 +1,6 @@
 #include "applist/app_select_window.h"
 
+#include "platform/win32_dialog.h"
 #include "resource.h"
 
 namespace nx {
@@ -9,7 +10,7 @@ AppSelectWindow::AppSelectWindow(HINSTANCE instance, cNarrixInfo& info, IMenuEdi
 
 bool AppSelectWindow::Create() {
   loading_ = true;
-  CreateDialogParamW(instance_, MAKEINTRESOURCEW(IDD_APPSELECT), nullptr, &AppSelectWindow::DialogProc,
+  CreateDialogParamW(instance_, MAKEINTRESOURCEW(IDD_APPSELECT), nullptr, &DialogProcOf<AppSelectWindow>,
                      reinterpret_cast<LPARAM>(this));
   loading_ = false;
   if (hwnd_ && logic_.Ended()) {
@@ -33,24 +34,6 @@ void AppSelectWindow::FocusList() {
 }
 
 bool AppSelectWindow::PreTranslateMessage(MSG& msg) { return hwnd_ && IsDialogMessageW(hwnd_, &msg); }
-
-INT_PTR CALLBACK AppSelectWindow::DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
-  AppSelectWindow* self = nullptr;
-  if (message == WM_INITDIALOG) {
-    self = reinterpret_cast<AppSelectWindow*>(lParam);
-    self->hwnd_ = hwnd;
-    SetWindowLongPtrW(hwnd, DWLP_USER, lParam);
-  } else {
-    self = reinterpret_cast<AppSelectWindow*>(GetWindowLongPtrW(hwnd, DWLP_USER));
-  }
-  if (!self) return FALSE;
-  // Nothing may unwind through Windows: a failure ends this one message.
-  try {
-    return self->OnMessage(message, wParam, lParam);
-  } catch (...) {
-    return FALSE;
-  }
-}
 
 INT_PTR AppSelectWindow::OnMessage(UINT message, WPARAM wParam, LPARAM) {
   switch (message) {

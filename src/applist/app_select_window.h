@@ -39,7 +39,8 @@ class AppSelectWindow final : public IAppSelectView {
   void EndProgram() override;
 
  private:
-  static INT_PTR CALLBACK DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+  template <typename T>
+  friend INT_PTR CALLBACK DialogProcOf(HWND, UINT, WPARAM, LPARAM);
   INT_PTR OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
   void OnCommand(int id, int code);
   HWND List() const;

@@ -1,5 +1,6 @@
 #include "menu/menu_editor_window.h"
 
+#include "platform/win32_dialog.h"
 #include "resource.h"
 
 namespace nx {
@@ -58,7 +59,7 @@ MenuEditorWindow::~MenuEditorWindow() {
 
 bool MenuEditorWindow::Create(HWND owner) {
   owner_ = owner;
-  CreateDialogParamW(instance_, MAKEINTRESOURCEW(IDD_MENUDEF), owner, &MenuEditorWindow::DialogProc,
+  CreateDialogParamW(instance_, MAKEINTRESOURCEW(IDD_MENUDEF), owner, &DialogProcOf<MenuEditorWindow>,
                      reinterpret_cast<LPARAM>(this));
   return hwnd_ != nullptr;
 }
@@ -100,23 +101,6 @@ bool MenuEditorWindow::PreTranslate(const MSG& msg) {
 }
 
 HWND MenuEditorWindow::Tree() const { return GetDlgItem(hwnd_, IDC_TRV_MENU); }
-
-INT_PTR CALLBACK MenuEditorWindow::DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
-  MenuEditorWindow* self = nullptr;
-  if (message == WM_INITDIALOG) {
-    self = reinterpret_cast<MenuEditorWindow*>(lParam);
-    self->hwnd_ = hwnd;
-    SetWindowLongPtrW(hwnd, DWLP_USER, lParam);
-  } else {
-    self = reinterpret_cast<MenuEditorWindow*>(GetWindowLongPtrW(hwnd, DWLP_USER));
-  }
-  if (!self) return FALSE;
-  try {
-    return self->OnMessage(message, wParam, lParam);
-  } catch (...) {
-    return FALSE;
-  }
-}
 
 INT_PTR MenuEditorWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {

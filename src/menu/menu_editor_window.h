@@ -52,7 +52,8 @@ class MenuEditorWindow final : public IMenuEditorView {
   void Close() override;
 
  private:
-  static INT_PTR CALLBACK DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+  template <typename T>
+  friend INT_PTR CALLBACK DialogProcOf(HWND, UINT, WPARAM, LPARAM);
   INT_PTR OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
   void OnCommand(int id);
   void OnContextMenu(HWND from, LPARAM position);
