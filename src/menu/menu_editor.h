@@ -76,10 +76,13 @@ class IMenuEditorView {
 };
 
 // Describes one item with the item wizard; true when the user finished it.
+// `root` is the menu the item goes into and `original` the item being
+// edited (null for a new one), so that the wizard can name other items with
+// the same hot key.
 class IItemWizard {
  public:
   virtual ~IItemWizard() = default;
-  virtual bool Describe(cMenuItem& item, bool isNew) = 0;
+  virtual bool Describe(cMenuItem& item, bool isNew, const cMenuItem* root, const cMenuItem* original) = 0;
 };
 
 // What the editor works with; everything must outlive the editor.
@@ -118,6 +121,9 @@ class fMenuDef {
   bool Form_QueryUnload();
 
   void trvMenu_NodeClick(const std::wstring& key);
+  // The tree got the focus: a new item is started once when the program was
+  // given a script path on its command line.
+  void trvMenu_GotFocus();
   // A key in the tree (`shift`: Shift 1, Control 2, Alt 4); true when used.
   bool trvMenu_KeyDown(int key, int shift);
   // The context menu for the selected node (keyboard or right click).
@@ -164,6 +170,7 @@ class fMenuDef {
   bool dirty_ = false;
   bool damaged_ = false;   // the file did not read completely
   bool backedUp_ = false;  // the damaged original is kept as .bak
+  bool pendingNewDone_ = false;
   MenuItemPtr clipboard_;
   bool cut_ = false;
   std::wstring pasteNextTemplate_, pasteChildTemplate_;

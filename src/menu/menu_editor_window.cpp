@@ -34,6 +34,8 @@ int CommandId(EditorCommand command) {
   return 0;
 }
 
+constexpr UINT kTreeFocused = WM_APP + 1;
+
 int ShiftMask() {
   return (GetKeyState(VK_SHIFT) < 0 ? 1 : 0) | (GetKeyState(VK_CONTROL) < 0 ? 2 : 0) |
          (GetKeyState(VK_MENU) < 0 ? 4 : 0);
@@ -119,6 +121,9 @@ INT_PTR MenuEditorWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) 
       return TRUE;
     case WM_NOTIFY: {
       const auto* header = reinterpret_cast<const NMHDR*>(lParam);
+      // A new item pending from the command line starts once the tree has
+      // the focus, after the messages already waiting.
+      if (header->idFrom == IDC_TRV_MENU && header->code == NM_SETFOCUS) PostMessageW(hwnd_, kTreeFocused, 0, 0);
       if (header->idFrom == IDC_TRV_MENU && header->code == TVN_SELCHANGEDW && !updating_) {
         const auto* change = reinterpret_cast<const NMTREEVIEWW*>(lParam);
         auto key = keys_.find(change->itemNew.hItem);
@@ -128,6 +133,9 @@ INT_PTR MenuEditorWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) 
     }
     case WM_CLOSE:
       if (logic_.Form_QueryUnload()) closed_ = true;
+      return TRUE;
+    case kTreeFocused:
+      logic_.trvMenu_GotFocus();
       return TRUE;
     case WM_DESTROY:
       SetWindowLongPtrW(hwnd_, DWLP_USER, 0);

@@ -3,6 +3,7 @@
 // tests answer from a script.
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace nx {
@@ -29,6 +30,21 @@ class IPrompts {
   // Shows a modal message box with `style` (the mb:: values combined) and
   // returns the button pressed (mb::kId...).
   virtual int Message(const std::wstring& text, unsigned style, const std::wstring& title) = 0;
+  // The file-open dialog: `filter` as "Name|*.ext;*.ext2|Name|*.*", the
+  // first entry chosen, starting in `folder`. Nothing when cancelled.
+  virtual std::optional<std::wstring> OpenFile(const std::wstring& filter, const std::wstring& folder) {
+    (void)filter;
+    (void)folder;
+    return std::nullopt;
+  }
+};
+
+// Starting programs, as the wizard's Open and Form buttons do.
+class IProcesses {
+ public:
+  virtual ~IProcesses() = default;
+  // Starts `commandLine` in a normal window; false when it could not start.
+  virtual bool Start(const std::wstring& commandLine) = 0;
 };
 
 }  // namespace nx

@@ -12,6 +12,7 @@ class Win32Prompts final : public IPrompts {
   explicit Win32Prompts(HWND owner = nullptr) : owner_(owner) {}
   void SetOwner(HWND owner) { owner_ = owner; }
   int Message(const std::wstring& text, unsigned style, const std::wstring& title) override;
+  std::optional<std::wstring> OpenFile(const std::wstring& filter, const std::wstring& folder) override;
 
  private:
   HWND owner_;

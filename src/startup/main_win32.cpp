@@ -11,6 +11,7 @@
 #include "platform/win32_profile.h"
 #include "platform/win32_prompts.h"
 #include "platform/win32_registry.h"
+#include "wizard/wizard_window.h"
 #include "startup/command_line.h"
 #include "startup/file_helpers.h"
 #include "startup/narrix_info.h"
@@ -44,9 +45,11 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int) {
   nx::cDefServer defs(nx::SystemCodePage(), profile, L"");
   // The braille display is opened by the first menu loaded and kept.
   std::unique_ptr<nx::IBrailleDisplay> braille;
+  nx::Win32Processes processes;
+  nx::WizardLauncher wizard(instance, processes, info, defs);
   nx::MenuEditorLauncher editor(
       instance, nx::MenuEditorServices{unusedPrompts, info, defs, profile, menus, braille,
-                                       [] { return std::make_unique<nx::NoBrailleDisplay>(); }, nullptr});
+                                       [] { return std::make_unique<nx::NoBrailleDisplay>(); }, &wizard});
   nx::AppSelectWindow window(instance, info, &editor);
   if (!window.Create()) return 1;
   editor.SetOwner(window.Handle());

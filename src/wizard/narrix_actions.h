@@ -13,12 +13,12 @@ class cNarrixActions {
   void Clear() { items_.clear(); }
   void AddItem(const std::wstring& action, const std::wstring& comment) { items_.emplace_back(action, comment); }
   int Count() const { return static_cast<int>(items_.size()); }
-  // Positions from 1; "" outside 1..Count.
-  std::wstring Action(int position) const { return InRange(position) ? items_[position - 1].first : L""; }
-  std::wstring Comment(int position) const { return InRange(position) ? items_[position - 1].second : L""; }
+  // Indexes from 0; "" outside 0..Count-1.
+  std::wstring Action(int index) const { return InRange(index) ? items_[static_cast<size_t>(index)].first : L""; }
+  std::wstring Comment(int index) const { return InRange(index) ? items_[static_cast<size_t>(index)].second : L""; }
 
  private:
-  bool InRange(int position) const { return position >= 1 && position <= Count(); }
+  bool InRange(int index) const { return index >= 0 && index < Count(); }
   std::vector<std::pair<std::wstring, std::wstring>> items_;
 };
 

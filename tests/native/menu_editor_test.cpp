@@ -461,7 +461,7 @@ class RenamingWizard : public IItemWizard {
   std::wstring newCaption;
   bool finish = true;
   std::vector<std::wstring> seen;
-  bool Describe(cMenuItem& item, bool isNew) override {
+  bool Describe(cMenuItem& item, bool isNew, const cMenuItem*, const cMenuItem*) override {
     seen.push_back((isNew ? L"new " : L"edit ") + item.Caption);
     if (finish) item.Caption = newCaption;
     return finish;

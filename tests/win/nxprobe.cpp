@@ -126,6 +126,12 @@ int wmain(int argc, wchar_t** argv) {
     return 1;
   }
   if (command == L"list") return List(hwnd);
+  if (command == L"visible") {  // the shown controls: id, class, text
+    for (HWND child = GetWindow(hwnd, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+      if (IsWindowVisible(child))
+        Print(std::to_wstring(GetDlgCtrlID(child)) + L" " + ClassOf(child) + L" " + TextOf(child));
+    return 0;
+  }
   if (command == L"active") {
     GUITHREADINFO info{};
     info.cbSize = sizeof(info);

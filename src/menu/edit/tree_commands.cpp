@@ -8,6 +8,7 @@
 
 #include "menu/menu_editor.h"
 #include "platform/folders.h"
+#include "startup/command_line.h"
 #include "startup/file_helpers.h"
 #include "startup/string_table.h"
 
@@ -183,7 +184,7 @@ void fMenuDef::mnuNew_Click() {
   item->Caption = LoadResText(kNewItem);
   item->HotKey = 0;
   item->Discard = true;
-  if (!services_.wizard->Describe(*item, true)) return;
+  if (!services_.wizard->Describe(*item, true, root_.get(), nullptr)) return;
   MenuItemPtr kept = clipboard_;
   if (!root_) {
     root_ = cMenuItem::New();
@@ -197,6 +198,13 @@ void fMenuDef::mnuNew_Click() {
   clipboard_ = kept;
 }
 
+void fMenuDef::trvMenu_GotFocus() {
+  if (pendingNewDone_) return;
+  pendingNewDone_ = true;
+  if (const auto key = view_.SelectedNode()) trvMenu_NodeClick(*key);
+  if (!gCmdScriptPath.empty()) mnuNew_Click();
+}
+
 void fMenuDef::mnuTreeEdit_Click() {
   cMenuItem* item = SelectedItem();
   if (!services_.wizard || !item || SelectedIsTop()) return;
@@ -205,7 +213,7 @@ void fMenuDef::mnuTreeEdit_Click() {
   work->Discard = item->Discard;
   work->HotKey = item->HotKey;
   work->Caption = item->Caption;
-  if (!services_.wizard->Describe(*work, false)) return;
+  if (!services_.wizard->Describe(*work, false, root_.get(), item)) return;
   item->Action = work->Action;
   item->Discard = work->Discard;
   item->HotKey = work->HotKey;

@@ -1,0 +1,353 @@
+#include "wizard/wizard.h"
+
+#include "menu/menu_editor.h"
+#include "platform/folders.h"
+#include "platform/text.h"
+#include "startup/command_line.h"
+#include "startup/file_helpers.h"
+#include "startup/string_table.h"
+
+namespace nx {
+namespace {
+
+constexpr int kBack = 700, kNext = 701, kFinish = 702, kName = 705, kType = 706, kCommand = 707, kHotKey = 708;
+constexpr int kNarrixCommand = 709, kNameLabel = 710, kTypeFrame = 711, kOptCommand = 712, kOptScript = 713;
+constexpr int kOptPullDown = 714, kCommandLabel = 715, kScriptLabel = 717, kOpen = 718, kBrowse = 719;
+constexpr int kDiscard = 722, kHotKeyLabel = 723, kDelete = 725, kCancel = 101, kGeneralMenu = 504;
+constexpr int kUsedBy = 645, kForm = 646, kBraille = 647;
+constexpr int32_t kBrailleBit = 0x40000000;
+
+}  // namespace
+
+fWizard::fWizard(IWizardView& view, IPrompts& prompts, IProcesses& processes, cNarrixInfo& info, cDefServer& defs)
+    : view_(view), prompts_(prompts), processes_(processes), info_(info), defs_(defs) {}
+
+void fWizard::Form_Load() {
+  const struct {
+    WizardControl control;
+    int id;
+  } captions[] = {{WizardControl::NameLabel, kNameLabel},     {WizardControl::HotKeyLabel, kHotKeyLabel},
+                  {WizardControl::CommandLabel, kCommandLabel}, {WizardControl::ScriptLabel, kScriptLabel},
+                  {WizardControl::TypeFrame, kTypeFrame},     {WizardControl::OptPullDown, kOptPullDown},
+                  {WizardControl::OptScript, kOptScript},     {WizardControl::OptCommand, kOptCommand},
+                  {WizardControl::Browse, kBrowse},           {WizardControl::Open, kOpen},
+                  {WizardControl::Back, kBack},               {WizardControl::Discard, kDiscard},
+                  {WizardControl::Next, kNext},               {WizardControl::Cancel, kCancel},
+                  {WizardControl::Delete, kDelete},           {WizardControl::UsedByLabel, kUsedBy},
+                  {WizardControl::Form, kForm},               {WizardControl::Braille, kBraille}};
+  for (const auto& c : captions) view_.SetText(c.control, LoadResText(c.id));
+}
+
+void fWizard::SetCaptionBase(const std::wstring& base) {
+  captionBase_ = base;
+  view_.SetTitle(base + LoadResText(kName));
+}
+
+void fWizard::SetTipsCaption(const std::wstring& text) { view_.SetText(WizardControl::Tips, text); }
+
+void fWizard::LoadDefs(const std::wstring& keyCodePath, const std::wstring& actionsPath) {
+  cDefActions& defs = defs_.DefActions();
+  defs.RenderKeyCodeDescrip2List(keyCodePath);
+  defs.InitNXactionsDef(actionsPath, &actions_);
+}
+
+void fWizard::SetMenu(const cMenuItem* root, const cMenuItem* original) {
+  root_ = root;
+  original_ = original;
+}
+
+void fWizard::SetMenuItem(cMenuItem* item) {
+  item_ = item;
+  PageDisplay();
+  PageLayout();
+}
+
+// The page's contents come from the item first; the layout then adds what
+// the command line asks for (a script path makes a script item of a new
+// one), so that it is not overwritten by the item's empty command.
+void fWizard::PageDisplay() {
+  if (!item_ || page_ < 0 || page_ > 3) return;
+  view_.EnableControl(WizardControl::Next, true);
+  switch (page_) {
+    case 0:
+      view_.SetTitle(captionBase_ + LoadResText(kName));
+      view_.SetName(item_->Caption);
+      break;
+    case 1:
+      view_.SetTitle(captionBase_ + LoadResText(kType));
+      if (item_->Action.empty())
+        view_.SetKind(WizardKind::PullDown);
+      else
+        view_.SetKind(StartsWithNoCase(item_->Action, L"shell") ? WizardKind::Script : WizardKind::Command);
+      Kind_Click(view_.Kind());
+      break;
+    case 2:
+      if (view_.Kind() == WizardKind::Script) {
+        view_.SetTitle(captionBase_ + LoadResText(kCommand));
+        FillScript();
+      } else {
+        view_.SetTitle(captionBase_ + LoadResText(kNarrixCommand));
+        FillCommands();
+      }
+      break;
+    case 3:
+      view_.SetTitle(captionBase_ + LoadResText(kHotKey));
+      FillHotKey();
+      break;
+  }
+}
+
+void fWizard::PageLayout() {
+  if (!item_) return;
+  view_.EnableControl(WizardControl::Back, page_ > 0);
+  switch (page_) {
+    case 0:
+      view_.ShowPane(WizardPane::Name);
+      break;
+    case 1:
+      if (!gCmdScriptPath.empty()) {
+        view_.SetKind(WizardKind::Script);
+        Kind_Click(WizardKind::Script);
+        view_.SetScriptPath(gCmdScriptPath);
+      }
+      view_.ShowPane(WizardPane::Type);
+      break;
+    case 2:
+      view_.SetText(WizardControl::Next, LoadResText(kNext));
+      if (view_.Kind() == WizardKind::Command) {
+        view_.ShowPane(WizardPane::Command);
+      } else {
+        if (!gCmdScriptPath.empty()) {
+          view_.SetScriptPath(gCmdScriptPath);
+          txtScriptPath_Change(gCmdScriptPath);
+        }
+        view_.ShowPane(WizardPane::Script);
+      }
+      break;
+    case 3:
+      view_.SetText(WizardControl::Next, LoadResText(kFinish));
+      view_.ShowPane(WizardPane::HotKey);
+      break;
+  }
+}
+
+void fWizard::Move(int step) {
+  view_.HideWindow();
+  page_ += step;
+  PageDisplay();
+  PageLayout();
+  view_.ShowWindowAgain();
+}
+
+void fWizard::cmdNext_Click() {
+  if (!item_) return;
+  if (page_ == 1 && view_.Kind() == WizardKind::PullDown) {
+    response_ = 1;
+    view_.Close();
+    return;
+  }
+  if (page_ == 3) {
+    response_ = 1;
+    view_.Close();
+    return;
+  }
+  if (page_ == 2) WriteCommand();
+  Move(1);
+}
+
+void fWizard::cmdPrev_Click() {
+  if (page_ > 0) Move(-1);
+}
+
+void fWizard::cmdCANCEL_Click() {
+  item_ = nullptr;
+  response_ = 2;
+  view_.Close();
+}
+
+void fWizard::txtName_Change(const std::wstring& text) {
+  if (item_) item_->Caption = text;
+}
+
+void fWizard::Kind_Click(WizardKind kind) {
+  view_.SetText(WizardControl::Next, LoadResText(kind == WizardKind::PullDown ? kFinish : kNext));
+}
+
+void fWizard::FillCommands() {
+  view_.ClearCommands();
+  bool found = false;
+  const std::wstring wanted = LowerCase(item_->Action);
+  for (int i = 0; i < actions_.Count(); ++i) {
+    view_.AddCommand(actions_.Comment(i), i);
+    if (LowerCase(actions_.Action(i)) == wanted) {
+      view_.SelectCommand(view_.CommandCount() - 1);
+      found = true;
+    }
+  }
+  if (found || (item_->Action.empty() && view_.CommandCount() > 0)) {
+    if (view_.SelectedCommand() < 0) view_.SelectCommand(0);
+    view_.ShowCommandList(true);
+    view_.ScrollCommandToTop(view_.SelectedCommand());
+  } else {
+    view_.SetCommandText(item_->Action);
+    view_.ShowCommandList(false);
+  }
+}
+
+void fWizard::FillScript() {
+  const std::wstring path = ParenContent(item_->Action);
+  view_.SetScriptPath(path);
+  txtScriptPath_Change(path);
+}
+
+void fWizard::txtScriptPath_Change(const std::wstring& text) {
+  const std::wstring lower = LowerCase(text);
+  view_.EnableControl(WizardControl::Open,
+                      lower.find(L"txt") != std::wstring::npos || lower.find(L"vbs") != std::wstring::npos);
+  view_.ShowControl(WizardControl::Form, !FormFile().empty() && FileExists(FormFile()));
+}
+
+void fWizard::WriteCommand() {
+  if (view_.Kind() == WizardKind::Script) {
+    item_->Action = L"shell(" + view_.ScriptPath() + L")";
+  } else if (view_.CommandListShown()) {
+    const int line = view_.SelectedCommand();
+    item_->Action = actions_.Action(line < 0 ? -1 : view_.CommandData(line));
+  } else {
+    item_->Action = TrimSpaces(view_.CommandText());
+  }
+}
+
+std::wstring fWizard::Expand(const std::wstring& text) const {
+  const std::wstring appSet = JoinPath(info_.DirSet(), gAppName);
+  return ReplaceAll(ReplaceAll(text, L"$(velkordir)", info_.DirVelkor()), L"$(appsetdir)", appSet);
+}
+
+std::wstring fWizard::ScriptFile() const {
+  std::wstring text = view_.ScriptPath();
+  if (text.compare(0, 11, L"wscript.exe") == 0) {
+    text = TrimSpaces(text.substr(11));
+    if (text.size() >= 2 && text.front() == L'"' && text.back() == L'"')
+      text = LowerCase(TrimSpaces(text.substr(1, text.size() - 2)));
+  }
+  return Expand(text);
+}
+
+std::wstring fWizard::FormFile() const {
+  std::wstring file = ScriptFile();
+  const std::wstring title = FileTitleOf(file), lower = LowerCase(title);
+  const size_t at = lower.find(L".vbs");
+  if (at == std::wstring::npos) return {};
+  return FolderOf(file).empty() ? title.substr(0, at) + L".frm" + title.substr(at + 4)
+                                : JoinPath(FolderOf(file), title.substr(0, at) + L".frm" + title.substr(at + 4));
+}
+
+void fWizard::cmdScriptBrowse_Click() {
+  const std::wstring folder = gAppName != LoadResText(kGeneralMenu) ? JoinPath(gMenuDir, gAppName) : gMenuDir;
+  auto chosen = prompts_.OpenFile(
+      L"Script Files (*.vbs)|*.vbs|Applications (*.exe, *.com, *.bat)|*.exe;*.bat;*.com|All|*.*", folder);
+  if (!chosen || chosen->empty()) return;
+  std::wstring path = ReplaceAll(*chosen, JoinPath(info_.DirSet(), gAppName), L"$(appsetdir)");
+  path = ReplaceAll(path, info_.DirVelkor(), L"$(velkordir)");
+  const std::wstring lower = LowerCase(path);
+  if (lower.size() >= 4 && lower.compare(lower.size() - 4, 4, L".vbs") == 0) path = L"wscript.exe \"" + path + L"\"";
+  view_.SetScriptPath(path);
+  txtScriptPath_Change(path);
+}
+
+void fWizard::cmdScriptEdit_Click() {
+  const std::wstring text = view_.ScriptPath();
+  if (text.compare(0, 11, L"wscript.exe") == 0)
+    processes_.Start(L"notepad.exe " + ScriptFile());  // a script is opened for editing, not run
+  else
+    processes_.Start(Expand(text));
+}
+
+void fWizard::cmdScriptForm_Click() {
+  const std::wstring form = FormFile();
+  if (!form.empty()) processes_.Start(JoinPath(info_.DirVelkor(), L"scripts\\setscript.exe") + L" " + form);
+}
+
+void fWizard::cmdTips_Click() {
+  const std::wstring path = L"$(velkordir)\\set\\" + gAppName + L"\\tips.txt";
+  view_.SetScriptPath(L"notepad.exe " + path);
+  const std::wstring file = Expand(path);
+  if (!FileExists(file)) WriteFileBytes(file, "");
+  view_.EnableControl(WizardControl::Open, true);
+}
+
+void fWizard::FillHotKey() {
+  ShowCode(item_->HotKey, true);
+  view_.SetChecked(WizardControl::Discard, item_->Discard);
+  const bool braille = (item_->HotKey & kBrailleBit) != 0;
+  view_.SetChecked(WizardControl::Braille, braille);
+  view_.EnableControl(WizardControl::Discard, !braille);
+  ShowUsedBy();
+}
+
+void fWizard::ShowCode(int32_t code, bool keepFocus) {
+  std::wstring text;
+  try {
+    text = defs_.FormatKeycodeEx(code);
+  } catch (const std::exception&) {
+  }
+  view_.SetHotKeyText(text, keepFocus);
+}
+
+void fWizard::ShowUsedBy() {
+  std::wstring users;
+  if (root_ && item_ && item_->HotKey != 0) {
+    WalkTree(
+        *root_,
+        [&](const cMenuItem& other, size_t, int) {
+          if (&other != item_ && &other != original_ && other.HotKey == item_->HotKey)
+            users += (users.empty() ? L"" : L", ") + other.Caption;
+          return true;
+        },
+        [](const cMenuItem&, size_t) {});
+  }
+  view_.SetUsedBy(users);
+}
+
+bool fWizard::hk_KeyDown(int key, int shift) {
+  if (!item_ || key == 16 || key == 17 || key == 18) return false;
+  if (key == 45 || key == 145) return false;  // the screen reader's modifiers count only with a key
+  // Tab and Shift+Tab leave the field, so that the focus is never trapped.
+  if (key == 9 && (shift == 0 || shift == 1)) return false;
+  view_.SetChecked(WizardControl::Braille, false);
+  view_.EnableControl(WizardControl::Discard, true);
+  if (view_.IsKeyDown(45) || view_.IsKeyDown(145)) shift |= 0x2000;
+  const int32_t code = static_cast<int32_t>((static_cast<uint32_t>(shift & 0xFFFF) << 16) | (key & 0xFFFF));
+  ShowCode(code, false);
+  item_->HotKey = code;
+  ShowUsedBy();
+  return true;
+}
+
+void fWizard::chkDiscard_Click(bool checked) {
+  if (item_) item_->Discard = checked;
+}
+
+void fWizard::chkBraille_Click(bool checked) {
+  if (!item_) return;
+  item_->HotKey = checked ? (item_->HotKey | kBrailleBit) : (item_->HotKey & ~kBrailleBit);
+  view_.EnableControl(WizardControl::Discard, !checked);
+  ShowCode(item_->HotKey, true);
+  ShowUsedBy();
+}
+
+void fWizard::cmdHotKeyDel_Click() {
+  view_.SetHotKeyText(L"", true);
+  view_.SetChecked(WizardControl::Braille, false);
+  view_.SetChecked(WizardControl::Discard, false);
+  view_.EnableControl(WizardControl::Discard, true);
+  if (item_) {
+    item_->HotKey = 0;
+    item_->Discard = false;
+  }
+  ShowUsedBy();
+}
+
+void fWizard::Form_Unload() { gCmdScriptPath.clear(); }
+
+}  // namespace nx

@@ -1,0 +1,156 @@
+// fWizard: describes one menu item page by page: its name, its kind, its
+// command and its hot key. Everything is written into the item it is given;
+// the caller keeps the item when Response() is 1 and drops it otherwise.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "defs/def_actions.h"
+#include "menu/menu_item.h"
+#include "platform/prompts.h"
+#include "startup/narrix_info.h"
+#include "wizard/narrix_actions.h"
+
+namespace nx {
+
+enum class WizardPane { Name, Type, Command, Script, HotKey };
+enum class WizardKind { Command, Script, PullDown };
+enum class WizardControl {
+  NameLabel,
+  TypeFrame,
+  OptCommand,
+  OptScript,
+  OptPullDown,
+  CommandLabel,
+  ScriptLabel,
+  Browse,
+  Open,
+  Form,
+  Tips,
+  HotKeyLabel,
+  UsedByLabel,
+  Discard,
+  Braille,
+  Delete,
+  Back,
+  Next,
+  Cancel,
+};
+
+class IWizardView {
+ public:
+  virtual ~IWizardView() = default;
+  virtual void SetTitle(const std::wstring& text) = 0;
+  virtual void SetText(WizardControl control, const std::wstring& text) = 0;
+  virtual void EnableControl(WizardControl control, bool enabled) = 0;
+  virtual void ShowControl(WizardControl control, bool shown) = 0;
+  // Shows one pane, hides the others and moves the focus into it.
+  virtual void ShowPane(WizardPane pane) = 0;
+  // A page move hides the window and shows it again with the new page, so
+  // that a screen reader announces the page as a new window.
+  virtual void HideWindow() = 0;
+  virtual void ShowWindowAgain() = 0;
+  virtual void Close() = 0;
+
+  virtual void SetName(const std::wstring& text) = 0;
+  virtual void SetKind(WizardKind kind) = 0;
+  virtual WizardKind Kind() const = 0;
+
+  // The command pane: a list of the screen reader's commands, or a free-text
+  // field for a command the list does not have.
+  virtual void ClearCommands() = 0;
+  virtual void AddCommand(const std::wstring& text, int data) = 0;
+  virtual void SelectCommand(int line) = 0;
+  virtual int SelectedCommand() const = 0;  // the line, -1 for none
+  virtual int CommandData(int line) const = 0;
+  virtual int CommandCount() const = 0;
+  virtual void ScrollCommandToTop(int line) = 0;
+  virtual void ShowCommandList(bool list) = 0;  // false: the free-text field
+  virtual bool CommandListShown() const = 0;
+  virtual void SetCommandText(const std::wstring& text) = 0;
+  virtual std::wstring CommandText() const = 0;
+
+  virtual void SetScriptPath(const std::wstring& text) = 0;
+  virtual std::wstring ScriptPath() const = 0;
+
+  // The capture field's text; unless `keepFocus`, the focus goes back into
+  // it so that the next key is captured too.
+  virtual void SetHotKeyText(const std::wstring& text, bool keepFocus) = 0;
+  virtual void SetUsedBy(const std::wstring& text) = 0;
+  virtual void SetChecked(WizardControl box, bool checked) = 0;
+  virtual bool Checked(WizardControl box) const = 0;
+  // Whether a key is held down now (not its toggle state).
+  virtual bool IsKeyDown(int key) const = 0;
+};
+
+class fWizard {
+ public:
+  // All references must outlive the wizard.
+  fWizard(IWizardView& view, IPrompts& prompts, IProcesses& processes, cNarrixInfo& info, cDefServer& defs);
+
+  void Form_Load();
+  // Stores the item and shows the current page.
+  void SetMenuItem(cMenuItem* item);
+  cMenuItem* MenuItem() const { return item_; }
+  int Response() const { return response_; }
+  // "New item" or "Edit item": the start of every window caption.
+  void SetCaptionBase(const std::wstring& base);
+  void SetTipsCaption(const std::wstring& text);
+  void LoadDefs(const std::wstring& keyCodePath, const std::wstring& actionsPath);
+  // The menu the item belongs to, so that the hot-key page can name other
+  // items with the same key; `original` is the item being edited (its copy
+  // is what the wizard changes) and is not counted.
+  void SetMenu(const cMenuItem* root, const cMenuItem* original);
+
+  void cmdNext_Click();
+  void cmdPrev_Click();
+  void cmdCANCEL_Click();
+  void txtName_Change(const std::wstring& text);
+  void Kind_Click(WizardKind kind);
+  void txtScriptPath_Change(const std::wstring& text);
+  // A key pressed in the capture field; true when it was captured (and must
+  // go no further).
+  bool hk_KeyDown(int key, int shift);
+  void chkDiscard_Click(bool checked);
+  void chkBraille_Click(bool checked);
+  void cmdHotKeyDel_Click();
+  void cmdScriptBrowse_Click();
+  void cmdScriptEdit_Click();
+  void cmdScriptForm_Click();
+  void cmdTips_Click();
+  // The window closes: the command-line script path has been offered.
+  void Form_Unload();
+
+  int Page() const { return page_; }
+
+ private:
+  void PageLayout();
+  void PageDisplay();
+  void Move(int step);
+  void FillCommands();
+  void FillScript();
+  void FillHotKey();
+  void ShowCode(int32_t code, bool keepFocus);
+  void ShowUsedBy();
+  void WriteCommand();
+  std::wstring Expand(const std::wstring& text) const;
+  // The script (or program) path of the script field, unwrapped and expanded.
+  std::wstring ScriptFile() const;
+  std::wstring FormFile() const;
+
+  IWizardView& view_;
+  IPrompts& prompts_;
+  IProcesses& processes_;
+  cNarrixInfo& info_;
+  cDefServer& defs_;
+  cNarrixActions actions_;
+  cMenuItem* item_ = nullptr;
+  const cMenuItem* root_ = nullptr;
+  const cMenuItem* original_ = nullptr;
+  int page_ = 0;
+  int response_ = 0;
+  std::wstring captionBase_;
+};
+
+}  // namespace nx

@@ -1,0 +1,336 @@
+#include "wizard/wizard_window.h"
+
+#include <commctrl.h>
+
+#include <vector>
+
+#include "platform/win32_dialog.h"
+#include "resource.h"
+#include "startup/file_helpers.h"
+#include "startup/string_table.h"
+
+namespace nx {
+namespace {
+
+int ControlId(WizardControl control) {
+  switch (control) {
+    case WizardControl::NameLabel: return IDC_LBL_NAME_W;
+    case WizardControl::TypeFrame: return IDC_FRA_ACTION;
+    case WizardControl::OptCommand: return IDC_OPT_COMMAND;
+    case WizardControl::OptScript: return IDC_OPT_SCRIPT;
+    case WizardControl::OptPullDown: return IDC_OPT_PULLDOWN;
+    case WizardControl::CommandLabel: return IDC_LBL_COMMAND_LIST;
+    case WizardControl::ScriptLabel: return IDC_LBL_SCRIPT;
+    case WizardControl::Browse: return IDC_CMD_BROWSE;
+    case WizardControl::Open: return IDC_CMD_OPEN;
+    case WizardControl::Form: return IDC_CMD_FORM;
+    case WizardControl::Tips: return IDC_CMD_TIPS;
+    case WizardControl::HotKeyLabel: return IDC_LBL_HOTKEY_W;
+    case WizardControl::UsedByLabel: return IDC_LBL_USEDBY;
+    case WizardControl::Discard: return IDC_CHK_DISCARD;
+    case WizardControl::Braille: return IDC_CHK_BRAILLE;
+    case WizardControl::Delete: return IDC_CMD_HOTKEY_DEL;
+    case WizardControl::Back: return IDC_CMD_PREV;
+    case WizardControl::Next: return IDC_CMD_NEXT;
+    case WizardControl::Cancel: return IDCANCEL;
+  }
+  return 0;
+}
+
+// The controls of each pane, in the order the focus meets them.
+const std::vector<int>& PaneControls(WizardPane pane) {
+  static const std::vector<int> name{IDC_LBL_NAME_W, IDC_TXT_NAME_W};
+  static const std::vector<int> type{IDC_FRA_ACTION, IDC_OPT_COMMAND, IDC_OPT_SCRIPT, IDC_OPT_PULLDOWN};
+  static const std::vector<int> command{IDC_LBL_COMMAND_LIST, IDC_LST_COMMAND, IDC_LBL_COMMAND_TEXT, IDC_TXT_COMMAND_W};
+  static const std::vector<int> script{IDC_LBL_SCRIPT, IDC_TXT_SCRIPT, IDC_CMD_BROWSE, IDC_CMD_OPEN, IDC_CMD_FORM,
+                                      IDC_CMD_TIPS};
+  static const std::vector<int> hotKey{IDC_LBL_HOTKEY_W, IDC_HK,          IDC_LBL_USEDBY,    IDC_TXT_USEDBY,
+                                      IDC_CHK_DISCARD,  IDC_CHK_BRAILLE, IDC_CMD_HOTKEY_DEL};
+  switch (pane) {
+    case WizardPane::Name: return name;
+    case WizardPane::Type: return type;
+    case WizardPane::Command: return command;
+    case WizardPane::Script: return script;
+    case WizardPane::HotKey: return hotKey;
+  }
+  return name;
+}
+
+int ShiftMask() {
+  return (GetKeyState(VK_SHIFT) < 0 ? 1 : 0) | (GetKeyState(VK_CONTROL) < 0 ? 2 : 0) |
+         (GetKeyState(VK_MENU) < 0 ? 4 : 0);
+}
+
+}  // namespace
+
+WizardWindow::WizardWindow(HINSTANCE instance, IProcesses& processes, cNarrixInfo& info, cDefServer& defs)
+    : instance_(instance), logic_(*this, prompts_, processes, info, defs) {}
+
+WizardWindow::~WizardWindow() {
+  if (hwnd_) DestroyWindow(hwnd_);
+}
+
+bool WizardWindow::Create(HWND owner) {
+  owner_ = owner;
+  CreateDialogParamW(instance_, MAKEINTRESOURCEW(IDD_WIZARD), owner, &DialogProcOf<WizardWindow>,
+                     reinterpret_cast<LPARAM>(this));
+  return hwnd_ != nullptr;
+}
+
+void WizardWindow::RunModal() {
+  if (owner_) EnableWindow(owner_, FALSE);
+  ShowWindow(hwnd_, SW_SHOW);
+  SetForegroundWindow(hwnd_);
+  ShowPane(pane_);
+  MSG msg;
+  while (!closed_ && GetMessageW(&msg, nullptr, 0, 0) > 0) {
+    if (PreTranslate(msg)) continue;
+    if (IsDialogMessageW(hwnd_, &msg)) continue;
+    TranslateMessage(&msg);
+    DispatchMessageW(&msg);
+  }
+  if (msg.message == WM_QUIT) PostQuitMessage(static_cast<int>(msg.wParam));
+  logic_.Form_Unload();
+  if (owner_) {
+    EnableWindow(owner_, TRUE);
+    SetActiveWindow(owner_);
+  }
+  if (hwnd_) DestroyWindow(hwnd_);
+}
+
+// Keys in the capture field are taken before the dialog sees them: Alt
+// combinations, F10 and Enter are hot keys there, not commands.
+bool WizardWindow::PreTranslate(const MSG& msg) {
+  if (msg.hwnd != Item(IDC_HK) || (msg.message != WM_KEYDOWN && msg.message != WM_SYSKEYDOWN)) return false;
+  return logic_.hk_KeyDown(static_cast<int>(msg.wParam), ShiftMask());
+}
+
+INT_PTR WizardWindow::OnMessage(UINT message, WPARAM wParam, LPARAM) {
+  switch (message) {
+    case WM_INITDIALOG:
+      prompts_.SetOwner(hwnd_);
+      logic_.Form_Load();
+      return FALSE;
+    case WM_COMMAND:
+      OnCommand(LOWORD(wParam), HIWORD(wParam));
+      return TRUE;
+    case WM_CLOSE:
+      logic_.cmdCANCEL_Click();
+      return TRUE;
+    case WM_ACTIVATE:
+      if (LOWORD(wParam) == WA_INACTIVE || !focusPending_) return FALSE;
+      focusPending_ = false;
+      ShowPane(pane_);
+      return TRUE;
+    case WM_DESTROY:
+      SetWindowLongPtrW(hwnd_, DWLP_USER, 0);
+      hwnd_ = nullptr;
+      return TRUE;
+    default:
+      return FALSE;
+  }
+}
+
+void WizardWindow::OnCommand(int id, int code) {
+  switch (id) {
+    case IDC_CMD_NEXT: logic_.cmdNext_Click(); break;
+    case IDC_CMD_PREV: logic_.cmdPrev_Click(); break;
+    case IDCANCEL: logic_.cmdCANCEL_Click(); break;
+    case IDC_TXT_NAME_W:
+      if (code == EN_CHANGE && !filling_) logic_.txtName_Change(TextOf(IDC_TXT_NAME_W));
+      if (code == EN_SETFOCUS) SendMessageW(Item(IDC_TXT_NAME_W), EM_SETSEL, 0, -1);
+      break;
+    case IDC_TXT_SCRIPT:
+      if (code == EN_CHANGE && !filling_) logic_.txtScriptPath_Change(TextOf(IDC_TXT_SCRIPT));
+      break;
+    case IDC_OPT_COMMAND: logic_.Kind_Click(WizardKind::Command); break;
+    case IDC_OPT_SCRIPT: logic_.Kind_Click(WizardKind::Script); break;
+    case IDC_OPT_PULLDOWN: logic_.Kind_Click(WizardKind::PullDown); break;
+    case IDC_CMD_BROWSE: logic_.cmdScriptBrowse_Click(); break;
+    case IDC_CMD_OPEN: logic_.cmdScriptEdit_Click(); break;
+    case IDC_CMD_FORM: logic_.cmdScriptForm_Click(); break;
+    case IDC_CMD_TIPS: logic_.cmdTips_Click(); break;
+    case IDC_CHK_DISCARD: logic_.chkDiscard_Click(Checked(WizardControl::Discard)); break;
+    case IDC_CHK_BRAILLE: logic_.chkBraille_Click(Checked(WizardControl::Braille)); break;
+    case IDC_CMD_HOTKEY_DEL: logic_.cmdHotKeyDel_Click(); break;
+    default: break;
+  }
+}
+
+std::wstring WizardWindow::TextOf(int id) const {
+  const int length = GetWindowTextLengthW(Item(id));
+  std::wstring text(static_cast<size_t>(length) + 1, L'\0');
+  GetWindowTextW(Item(id), text.data(), length + 1);
+  text.resize(static_cast<size_t>(length));
+  return text;
+}
+
+void WizardWindow::Focus(int id) { SendMessageW(hwnd_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(id)), TRUE); }
+
+void WizardWindow::SetTitle(const std::wstring& text) { SetWindowTextW(hwnd_, text.c_str()); }
+
+void WizardWindow::SetText(WizardControl control, const std::wstring& text) {
+  SetDlgItemTextW(hwnd_, ControlId(control), text.c_str());
+  // The free-text command field has its own copy of the command label.
+  if (control == WizardControl::CommandLabel) SetDlgItemTextW(hwnd_, IDC_LBL_COMMAND_TEXT, text.c_str());
+}
+
+void WizardWindow::EnableControl(WizardControl control, bool enabled) {
+  HWND item = Item(ControlId(control));
+  if (!enabled && GetFocus() == item) SendMessageW(hwnd_, WM_NEXTDLGCTL, 0, FALSE);
+  EnableWindow(item, enabled ? TRUE : FALSE);
+}
+
+void WizardWindow::ShowControl(WizardControl control, bool shown) {
+  ShowWindow(Item(ControlId(control)), shown && pane_ == WizardPane::Script ? SW_SHOW : SW_HIDE);
+  if (control == WizardControl::Form) SetWindowLongPtrW(Item(IDC_CMD_FORM), GWLP_USERDATA, shown ? 1 : 0);
+}
+
+void WizardWindow::ShowPane(WizardPane pane) {
+  pane_ = pane;
+  for (WizardPane p : {WizardPane::Name, WizardPane::Type, WizardPane::Command, WizardPane::Script, WizardPane::HotKey})
+    for (int id : PaneControls(p)) ShowWindow(Item(id), SW_HIDE);
+  for (int id : PaneControls(pane)) {
+    bool shown = true;
+    if (id == IDC_LST_COMMAND || id == IDC_LBL_COMMAND_LIST) shown = commandList_;
+    if (id == IDC_TXT_COMMAND_W || id == IDC_LBL_COMMAND_TEXT) shown = !commandList_;
+    if (id == IDC_CMD_FORM) shown = GetWindowLongPtrW(Item(IDC_CMD_FORM), GWLP_USERDATA) != 0;
+    ShowWindow(Item(id), shown ? SW_SHOW : SW_HIDE);
+  }
+  switch (pane) {
+    case WizardPane::Name: Focus(IDC_TXT_NAME_W); break;
+    case WizardPane::Type: {
+      const int checked = IsDlgButtonChecked(hwnd_, IDC_OPT_COMMAND)  ? IDC_OPT_COMMAND
+                          : IsDlgButtonChecked(hwnd_, IDC_OPT_SCRIPT) ? IDC_OPT_SCRIPT
+                                                                       : IDC_OPT_PULLDOWN;
+      Focus(checked);
+      break;
+    }
+    case WizardPane::Command: Focus(commandList_ ? IDC_LST_COMMAND : IDC_TXT_COMMAND_W); break;
+    case WizardPane::Script: Focus(IDC_TXT_SCRIPT); break;
+    case WizardPane::HotKey: Focus(IDC_HK); break;
+  }
+}
+
+// The new page is laid out while the window is hidden: controls shown in a
+// visible window that is then hidden and shown again were left unpainted.
+void WizardWindow::HideWindow() { ShowWindow(hwnd_, SW_HIDE); }
+
+void WizardWindow::ShowWindowAgain() {
+  // The dialog would give the focus back to the control it had when hidden,
+  // which belongs to the old page; the activation puts it into the new one.
+  focusPending_ = true;
+  ShowWindow(hwnd_, SW_SHOWNORMAL);
+  SetForegroundWindow(hwnd_);
+  ShowPane(pane_);
+}
+
+void WizardWindow::Close() { closed_ = true; }
+
+void WizardWindow::SetName(const std::wstring& text) {
+  filling_ = true;
+  SetDlgItemTextW(hwnd_, IDC_TXT_NAME_W, text.c_str());
+  filling_ = false;
+}
+
+void WizardWindow::SetKind(WizardKind kind) {
+  const int id = kind == WizardKind::Command  ? IDC_OPT_COMMAND
+                 : kind == WizardKind::Script ? IDC_OPT_SCRIPT
+                                              : IDC_OPT_PULLDOWN;
+  CheckRadioButton(hwnd_, IDC_OPT_COMMAND, IDC_OPT_PULLDOWN, id);
+}
+
+WizardKind WizardWindow::Kind() const {
+  if (IsDlgButtonChecked(hwnd_, IDC_OPT_COMMAND)) return WizardKind::Command;
+  if (IsDlgButtonChecked(hwnd_, IDC_OPT_SCRIPT)) return WizardKind::Script;
+  return WizardKind::PullDown;
+}
+
+void WizardWindow::ClearCommands() { SendDlgItemMessageW(hwnd_, IDC_LST_COMMAND, LB_RESETCONTENT, 0, 0); }
+
+void WizardWindow::AddCommand(const std::wstring& text, int data) {
+  const LRESULT line =
+      SendDlgItemMessageW(hwnd_, IDC_LST_COMMAND, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
+  SendDlgItemMessageW(hwnd_, IDC_LST_COMMAND, LB_SETITEMDATA, static_cast<WPARAM>(line), data);
+}
+
+void WizardWindow::SelectCommand(int line) {
+  SendDlgItemMessageW(hwnd_, IDC_LST_COMMAND, LB_SETCURSEL, static_cast<WPARAM>(line), 0);
+}
+
+int WizardWindow::SelectedCommand() const {
+  return static_cast<int>(SendDlgItemMessageW(hwnd_, IDC_LST_COMMAND, LB_GETCURSEL, 0, 0));
+}
+
+int WizardWindow::CommandData(int line) const {
+  return static_cast<int>(SendDlgItemMessageW(hwnd_, IDC_LST_COMMAND, LB_GETITEMDATA, static_cast<WPARAM>(line), 0));
+}
+
+int WizardWindow::CommandCount() const {
+  return static_cast<int>(SendDlgItemMessageW(hwnd_, IDC_LST_COMMAND, LB_GETCOUNT, 0, 0));
+}
+
+void WizardWindow::ScrollCommandToTop(int line) {
+  SendDlgItemMessageW(hwnd_, IDC_LST_COMMAND, LB_SETTOPINDEX, static_cast<WPARAM>(line), 0);
+}
+
+void WizardWindow::ShowCommandList(bool list) { commandList_ = list; }
+bool WizardWindow::CommandListShown() const { return commandList_; }
+
+void WizardWindow::SetCommandText(const std::wstring& text) {
+  SetDlgItemTextW(hwnd_, IDC_TXT_COMMAND_W, text.c_str());
+}
+std::wstring WizardWindow::CommandText() const { return TextOf(IDC_TXT_COMMAND_W); }
+
+void WizardWindow::SetScriptPath(const std::wstring& text) {
+  filling_ = true;
+  SetDlgItemTextW(hwnd_, IDC_TXT_SCRIPT, text.c_str());
+  filling_ = false;
+}
+std::wstring WizardWindow::ScriptPath() const { return TextOf(IDC_TXT_SCRIPT); }
+
+void WizardWindow::SetHotKeyText(const std::wstring& text, bool keepFocus) {
+  SetDlgItemTextW(hwnd_, IDC_HK, text.c_str());
+  if (!keepFocus) Focus(IDC_HK);
+}
+
+void WizardWindow::SetUsedBy(const std::wstring& text) { SetDlgItemTextW(hwnd_, IDC_TXT_USEDBY, text.c_str()); }
+
+void WizardWindow::SetChecked(WizardControl box, bool checked) {
+  CheckDlgButton(hwnd_, ControlId(box), checked ? BST_CHECKED : BST_UNCHECKED);
+}
+
+bool WizardWindow::Checked(WizardControl box) const {
+  return IsDlgButtonChecked(hwnd_, ControlId(box)) == BST_CHECKED;
+}
+
+bool WizardWindow::IsKeyDown(int key) const { return GetKeyState(key) < 0; }
+
+bool WizardLauncher::Describe(cMenuItem& item, bool isNew, const cMenuItem* root, const cMenuItem* original) {
+  WizardWindow window(instance_, processes_, info_, defs_);
+  if (!window.Create(GetActiveWindow())) return false;
+  fWizard& wizard = window.Logic();
+  wizard.SetMenu(root, original);
+  wizard.SetCaptionBase(LoadResText(isNew ? 704 : 703));
+  wizard.SetTipsCaption(LoadResText(724));
+  wizard.LoadDefs(JoinPath(info_.DirSet(), L"gKeyCode.def"), JoinPath(info_.DirSet(), L"gActions.def"));
+  wizard.SetMenuItem(&item);
+  window.RunModal();
+  return wizard.Response() == 1;
+}
+
+bool Win32Processes::Start(const std::wstring& commandLine) {
+  STARTUPINFOW startup{};
+  startup.cb = sizeof(startup);
+  startup.dwFlags = STARTF_USESHOWWINDOW;
+  startup.wShowWindow = SW_SHOWNORMAL;
+  PROCESS_INFORMATION process{};
+  std::wstring line = commandLine;
+  if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process))
+    return false;
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
+  return true;
+}
+
+}  // namespace nx

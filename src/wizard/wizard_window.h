@@ -1,0 +1,95 @@
+// The Windows window of the item wizard, and the editor's way to run it.
+#pragma once
+
+#include <windows.h>
+
+#include "menu/menu_editor.h"
+#include "platform/win32_prompts.h"
+#include "wizard/wizard.h"
+
+namespace nx {
+
+class WizardWindow final : public IWizardView {
+ public:
+  WizardWindow(HINSTANCE instance, IProcesses& processes, cNarrixInfo& info, cDefServer& defs);
+  WizardWindow(const WizardWindow&) = delete;
+  WizardWindow& operator=(const WizardWindow&) = delete;
+  ~WizardWindow() override;
+
+  bool Create(HWND owner);
+  void RunModal();
+  fWizard& Logic() { return logic_; }
+
+  void SetTitle(const std::wstring& text) override;
+  void SetText(WizardControl control, const std::wstring& text) override;
+  void EnableControl(WizardControl control, bool enabled) override;
+  void ShowControl(WizardControl control, bool shown) override;
+  void ShowPane(WizardPane pane) override;
+  void HideWindow() override;
+  void ShowWindowAgain() override;
+  void Close() override;
+  void SetName(const std::wstring& text) override;
+  void SetKind(WizardKind kind) override;
+  WizardKind Kind() const override;
+  void ClearCommands() override;
+  void AddCommand(const std::wstring& text, int data) override;
+  void SelectCommand(int line) override;
+  int SelectedCommand() const override;
+  int CommandData(int line) const override;
+  int CommandCount() const override;
+  void ScrollCommandToTop(int line) override;
+  void ShowCommandList(bool list) override;
+  bool CommandListShown() const override;
+  void SetCommandText(const std::wstring& text) override;
+  std::wstring CommandText() const override;
+  void SetScriptPath(const std::wstring& text) override;
+  std::wstring ScriptPath() const override;
+  void SetHotKeyText(const std::wstring& text, bool keepFocus) override;
+  void SetUsedBy(const std::wstring& text) override;
+  void SetChecked(WizardControl box, bool checked) override;
+  bool Checked(WizardControl box) const override;
+  bool IsKeyDown(int key) const override;
+
+ private:
+  template <typename T>
+  friend INT_PTR CALLBACK DialogProcOf(HWND, UINT, WPARAM, LPARAM);
+  INT_PTR OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+  void OnCommand(int id, int code);
+  bool PreTranslate(const MSG& msg);
+  HWND Item(int id) const { return GetDlgItem(hwnd_, id); }
+  std::wstring TextOf(int id) const;
+  void Focus(int id);
+
+  HINSTANCE instance_;
+  HWND hwnd_ = nullptr;
+  HWND owner_ = nullptr;
+  bool closed_ = false;
+  bool filling_ = false;       // texts set by the program, not typed
+  bool focusPending_ = false;  // the next activation puts the focus into the page
+  WizardPane pane_ = WizardPane::Name;
+  bool commandList_ = true;
+  Win32Prompts prompts_;
+  fWizard logic_;
+};
+
+// Runs the wizard modally over the menu editor.
+class WizardLauncher final : public IItemWizard {
+ public:
+  WizardLauncher(HINSTANCE instance, IProcesses& processes, cNarrixInfo& info, cDefServer& defs)
+      : instance_(instance), processes_(processes), info_(info), defs_(defs) {}
+  bool Describe(cMenuItem& item, bool isNew, const cMenuItem* root, const cMenuItem* original) override;
+
+ private:
+  HINSTANCE instance_;
+  IProcesses& processes_;
+  cNarrixInfo& info_;
+  cDefServer& defs_;
+};
+
+// Starts programs with CreateProcess in a normal window.
+class Win32Processes final : public IProcesses {
+ public:
+  bool Start(const std::wstring& commandLine) override;
+};
+
+}  // namespace nx
