@@ -90,6 +90,34 @@ TEST(Resources, ItemMenuEntriesHaveUniqueAccessKeys) {
   }
 }
 
+// The wizard shows one page at a time: its captions and buttons must differ
+// on every page, in every language, and every input needs its key.
+TEST(Resources, WizardPagesHaveUniqueAccessKeys) {
+  const std::vector<std::vector<int>> pages = {
+      {710, 700, 701, 101},
+      {711, 712, 713, 714, 700, 701, 702, 101},
+      {715, 700, 701, 101},
+      {717, 719, 718, 646, 724, 700, 701, 101},
+      {723, 645, 722, 647, 725, 700, 702, 101},
+  };
+  for (UiLanguage language : {UiLanguage::English, UiLanguage::Czech}) {
+    for (const auto& page : pages) {
+      std::map<wchar_t, int> seen;
+      for (int id : page) {
+        const wchar_t key = AccessKey(TableText(id, language));
+        if (id != 101) {  // Cancel is Escape
+          EXPECT_NE(key, 0) << id;
+        }
+        if (!key) continue;
+        // Next and Finish share the one button: only one of them is shown.
+        if (id == 702 && seen.count(key) && seen[key] == 701) continue;
+        EXPECT_FALSE(seen.count(key)) << id << " and " << seen[key] << " share an access key";
+        seen[key] = id;
+      }
+    }
+  }
+}
+
 TEST(Resources, AccessKeysAreUniqueInEveryLanguage) {
   const auto dialogs = ReadDialogs();
   for (const auto& [dialog, ids] : kCaptionIds) {

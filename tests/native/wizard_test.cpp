@@ -1,0 +1,315 @@
+// The item wizard's logic through a fake view.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+#include <vector>
+
+#include "menu/menu_editor.h"
+#include "platform/folders.h"
+#include "platform/text.h"
+#include "startup/command_line.h"
+#include "startup/settings.h"
+#include "startup/string_table.h"
+#include "temp_folder.h"
+#include "wizard/wizard.h"
+
+namespace nx {
+namespace {
+
+class FakeWizardView : public IWizardView {
+ public:
+  std::wstring title, name, scriptPath, commandText, hotKeyText, usedBy;
+  std::map<WizardControl, std::wstring> texts;
+  std::map<WizardControl, bool> enabled, shown, checked;
+  WizardPane pane = WizardPane::Name;
+  WizardKind kind = WizardKind::PullDown;
+  std::vector<std::pair<std::wstring, int>> commands;
+  int selected = -1, topLine = -1, hides = 0;
+  bool list = true, closed = false, keepFocus = true;
+  std::set<int> keysDown;
+
+  void SetTitle(const std::wstring& t) override { title = t; }
+  void SetText(WizardControl c, const std::wstring& t) override { texts[c] = t; }
+  void EnableControl(WizardControl c, bool on) override { enabled[c] = on; }
+  void ShowControl(WizardControl c, bool on) override { shown[c] = on; }
+  void ShowPane(WizardPane p) override { pane = p; }
+  void HideWindow() override { ++hides; }
+  void ShowWindowAgain() override {}
+  void Close() override { closed = true; }
+  void SetName(const std::wstring& t) override { name = t; }
+  void SetKind(WizardKind k) override { kind = k; }
+  WizardKind Kind() const override { return kind; }
+  void ClearCommands() override {
+    commands.clear();
+    selected = -1;
+  }
+  void AddCommand(const std::wstring& t, int data) override { commands.emplace_back(t, data); }
+  void SelectCommand(int line) override { selected = line; }
+  int SelectedCommand() const override { return selected; }
+  int CommandData(int line) const override { return commands.at(static_cast<size_t>(line)).second; }
+  int CommandCount() const override { return static_cast<int>(commands.size()); }
+  void ScrollCommandToTop(int line) override { topLine = line; }
+  void ShowCommandList(bool l) override { list = l; }
+  bool CommandListShown() const override { return list; }
+  void SetCommandText(const std::wstring& t) override { commandText = t; }
+  std::wstring CommandText() const override { return commandText; }
+  void SetScriptPath(const std::wstring& t) override { scriptPath = t; }
+  std::wstring ScriptPath() const override { return scriptPath; }
+  void SetHotKeyText(const std::wstring& t, bool keep) override {
+    hotKeyText = t;
+    keepFocus = keep;
+  }
+  void SetUsedBy(const std::wstring& t) override { usedBy = t; }
+  void SetChecked(WizardControl c, bool on) override { checked[c] = on; }
+  bool Checked(WizardControl c) const override { return checked.count(c) && checked.at(c); }
+  bool IsKeyDown(int key) const override { return keysDown.count(key) > 0; }
+};
+
+class FakeProcesses : public IProcesses {
+ public:
+  std::vector<std::wstring> started;
+  bool Start(const std::wstring& line) override {
+    started.push_back(line);
+    return true;
+  }
+};
+
+class OpenFilePrompts : public IPrompts {
+ public:
+  std::optional<std::wstring> chosen;
+  std::wstring filter, folder;
+  int Message(const std::wstring&, unsigned, const std::wstring&) override { return mb::kIdOk; }
+  std::optional<std::wstring> OpenFile(const std::wstring& f, const std::wstring& d) override {
+    filter = f;
+    folder = d;
+    return chosen;
+  }
+};
+
+class WizardTest : public ::testing::Test {
+ protected:
+  WizardTest() {
+    SetUiLanguage(UiLanguage::English);
+    gCmdScriptPath.clear();
+    registry_.WriteString(kProductKey, L"Path", L"C:\\Narrix");
+    info_.Inicialize(nullptr);
+    gMenuDir = L"C:\\Narrix\\Set";
+    gAppName = L"notepad";
+    dir_.Write(L"gActions.def", "SayLine;reads the line\r\nSayTime;says the time\r\nBeep\r\n");
+    dir_.Write(L"gKeyCode.def", "13=Enter\r\n67=C\r\n74=J\r\n116=F5\r\n");
+    wizard_.Form_Load();
+    wizard_.SetCaptionBase(L"New item");
+    wizard_.LoadDefs(dir_.Path(L"gKeyCode.def"), dir_.Path(L"gActions.def"));
+    defs_.SetFolder(dir_.Path() + L"\\");
+    item_->Caption = L"New item";
+    item_->Discard = true;
+  }
+  void Start() { wizard_.SetMenuItem(item_.get()); }
+  // Name, then a screen-reader command, to the hot-key page.
+  void ToHotKeyPage() {
+    wizard_.cmdNext_Click();
+    view_.kind = WizardKind::Command;
+    wizard_.cmdNext_Click();
+    wizard_.cmdNext_Click();
+    ASSERT_EQ(view_.pane, WizardPane::HotKey);
+  }
+
+  test::TempFolder dir_;
+  MemoryRegistry registry_;
+  cNarrixInfo info_{registry_, L""};
+  BuiltinCodePage page_{1252};
+  PortableProfile profile_{page_};
+  cDefServer defs_{page_, profile_, L""};
+  FakeWizardView view_;
+  OpenFilePrompts prompts_;
+  FakeProcesses processes_;
+  fWizard wizard_{view_, prompts_, processes_, info_, defs_};
+  MenuItemPtr item_ = cMenuItem::New();
+};
+
+TEST_F(WizardTest, PullDownFinishesOnTheTypePage) {
+  Start();
+  EXPECT_EQ(view_.title, L"New item - Name");
+  EXPECT_FALSE(view_.enabled[WizardControl::Back]);
+  wizard_.txtName_Change(L"Tools");
+  wizard_.cmdNext_Click();
+  EXPECT_EQ(view_.title, L"New item - Type");
+  EXPECT_EQ(view_.pane, WizardPane::Type);
+  EXPECT_EQ(view_.kind, WizardKind::PullDown);  // no command yet
+  EXPECT_EQ(view_.texts[WizardControl::Next], L"&Finish");
+  EXPECT_EQ(view_.hides, 1);  // every move hides and shows the window
+  wizard_.cmdNext_Click();
+  EXPECT_TRUE(view_.closed);
+  EXPECT_EQ(wizard_.Response(), 1);
+  EXPECT_EQ(item_->Caption, L"Tools");
+  EXPECT_EQ(item_->Action, L"");
+}
+
+TEST_F(WizardTest, CommandItemThroughAllPages) {
+  Start();
+  wizard_.cmdNext_Click();
+  view_.kind = WizardKind::Command;
+  wizard_.Kind_Click(WizardKind::Command);
+  EXPECT_EQ(view_.texts[WizardControl::Next], L"&Next >");
+  wizard_.cmdNext_Click();
+  EXPECT_EQ(view_.title, L"New item - Narrix command");
+  ASSERT_EQ(view_.commands.size(), 3u);
+  EXPECT_EQ(view_.commands[2].first, L"Beep");  // a command without comment shows its name
+  EXPECT_EQ(view_.selected, 0);  // a new item starts on the first command
+  view_.selected = 1;
+  wizard_.cmdNext_Click();
+  EXPECT_EQ(item_->Action, L"SayTime");
+  EXPECT_EQ(view_.title, L"New item - Hot Key");
+  EXPECT_EQ(view_.texts[WizardControl::Next], L"&Finish");
+  wizard_.cmdPrev_Click();  // back shows the stored command again
+  EXPECT_EQ(view_.selected, 1);
+  EXPECT_EQ(view_.topLine, 1);
+  wizard_.cmdNext_Click();
+  wizard_.cmdNext_Click();
+  EXPECT_EQ(wizard_.Response(), 1);
+}
+
+TEST_F(WizardTest, UnknownCommandIsEditedAsText) {
+  item_->Action = L"MyOwnCommand";
+  Start();
+  wizard_.cmdNext_Click();
+  EXPECT_EQ(view_.kind, WizardKind::Command);
+  wizard_.cmdNext_Click();
+  EXPECT_FALSE(view_.list);
+  EXPECT_EQ(view_.commandText, L"MyOwnCommand");
+  view_.commandText = L"  Other  ";
+  wizard_.cmdNext_Click();
+  EXPECT_EQ(item_->Action, L"Other");
+}
+
+TEST_F(WizardTest, ScriptItemsAndTheCommandLinePath) {
+  gCmdScriptPath = L"$(appsetdir)\\hello.vbs";
+  Start();
+  wizard_.cmdNext_Click();
+  EXPECT_EQ(view_.kind, WizardKind::Script);  // the command line makes it a script
+  wizard_.cmdNext_Click();
+  EXPECT_EQ(view_.pane, WizardPane::Script);
+  EXPECT_EQ(view_.scriptPath, L"$(appsetdir)\\hello.vbs");
+  EXPECT_TRUE(view_.enabled[WizardControl::Open]);
+  wizard_.cmdNext_Click();
+  EXPECT_EQ(item_->Action, L"shell($(appsetdir)\\hello.vbs)");
+  wizard_.Form_Unload();
+  EXPECT_EQ(gCmdScriptPath, L"");  // offered to one wizard only
+
+  item_->Action = L"SHELL(notepad.exe x.txt)";
+  fWizard again(view_, prompts_, processes_, info_, defs_);
+  again.SetMenuItem(item_.get());
+  again.cmdNext_Click();
+  EXPECT_EQ(view_.kind, WizardKind::Script);
+  again.cmdNext_Click();
+  EXPECT_EQ(view_.scriptPath, L"notepad.exe x.txt");
+}
+
+TEST_F(WizardTest, BrowseOpenAndTips) {
+  prompts_.chosen = L"C:\\Narrix\\Set\\notepad\\Mail.VBS";
+  wizard_.cmdScriptBrowse_Click();
+  EXPECT_EQ(prompts_.folder, L"C:\\Narrix\\Set\\notepad");
+  EXPECT_EQ(prompts_.filter,
+            L"Script Files (*.vbs)|*.vbs|Applications (*.exe, *.com, *.bat)|*.exe;*.bat;*.com|All|*.*");
+  EXPECT_EQ(view_.scriptPath, L"wscript.exe \"$(appsetdir)\\Mail.VBS\"");
+  wizard_.cmdScriptEdit_Click();
+  prompts_.chosen = L"C:\\Narrix\\tools\\calc.exe";
+  wizard_.cmdScriptBrowse_Click();
+  EXPECT_EQ(view_.scriptPath, L"$(velkordir)\\tools\\calc.exe");
+  wizard_.cmdScriptEdit_Click();
+  EXPECT_EQ(processes_.started, (std::vector<std::wstring>{L"notepad.exe C:\\Narrix\\Set\\notepad\\mail.vbs",
+                                                           L"C:\\Narrix\\tools\\calc.exe"}));
+  gAppName = L"(Narrix)";
+  prompts_.chosen.reset();
+  wizard_.cmdScriptBrowse_Click();
+  EXPECT_EQ(prompts_.folder, L"C:\\Narrix\\Set");
+  EXPECT_EQ(view_.scriptPath, L"$(velkordir)\\tools\\calc.exe");  // cancelled: unchanged
+
+  // Tips: the file is made once and never overwritten.
+  registry_.WriteString(kProductKey, L"Path", dir_.Path());
+  info_.Inicialize(nullptr);
+  gAppName = L"app";
+  std::filesystem::create_directories(dir_.Fs() / "set" / "app");
+  wizard_.cmdTips_Click();
+  EXPECT_EQ(view_.scriptPath, L"notepad.exe $(velkordir)\\set\\app\\tips.txt");
+  EXPECT_EQ(dir_.Read(L"set\\app\\tips.txt"), "");
+  dir_.Write(L"set\\app\\tips.txt", "my tips");
+  wizard_.cmdTips_Click();
+  EXPECT_EQ(dir_.Read(L"set\\app\\tips.txt"), "my tips");
+}
+
+TEST_F(WizardTest, HotKeyCapture) {
+  item_->HotKey = 0x40000005;
+  Start();
+  ToHotKeyPage();
+  EXPECT_TRUE(view_.checked[WizardControl::Braille]);
+  EXPECT_FALSE(view_.enabled[WizardControl::Discard]);
+  const struct {
+    int key, shift;
+    std::set<int> held;
+    bool captured;
+    uint32_t code;
+    const wchar_t* text;
+  } presses[] = {
+      {16, 1, {}, false, 0x40000005, L"[H1+H4]"},  // modifiers alone change nothing
+      {45, 0, {45}, false, 0x40000005, L"[H1+H4]"},
+      {9, 0, {}, false, 0x40000005, L"[H1+H4]"},  // Tab leaves the field
+      {67, 2, {}, true, 0x00020043, L"C+C"},
+      {74, 0, {45}, true, 0x2000004A, L"Narrix+J"},
+      {116, 5, {145}, true, 0x20050074, L"Narrix+A+S+F5"},
+      {13, 0, {}, true, 0x0000000D, L"Enter"},
+      {121, 4, {}, true, 0x00040079, L"A+key(121)"},
+  };
+  for (const auto& p : presses) {
+    view_.keysDown = p.held;
+    EXPECT_EQ(wizard_.hk_KeyDown(p.key, p.shift), p.captured) << p.key;
+    EXPECT_EQ(static_cast<uint32_t>(item_->HotKey), p.code) << p.key;
+    if (p.captured) {
+      EXPECT_EQ(view_.hotKeyText, p.text);
+      EXPECT_FALSE(view_.keepFocus);
+      EXPECT_FALSE(view_.checked[WizardControl::Braille]);
+      EXPECT_TRUE(view_.enabled[WizardControl::Discard]);
+    }
+  }
+  wizard_.chkBraille_Click(true);
+  EXPECT_EQ(static_cast<uint32_t>(item_->HotKey), 0x40040079u);
+  wizard_.chkBraille_Click(false);
+  EXPECT_EQ(static_cast<uint32_t>(item_->HotKey), 0x00040079u);
+  wizard_.cmdHotKeyDel_Click();
+  wizard_.cmdNext_Click();
+  EXPECT_EQ(item_->HotKey, 0);
+  EXPECT_FALSE(item_->Discard);
+}
+
+TEST_F(WizardTest, NamesOtherItemsWithTheSameKey) {
+  auto root = cMenuItem::New();
+  for (auto [caption, key] : {std::pair{L"Open", 0x00020043}, {L"Copy", 0x00020043}, {L"Other", 0x00020044}}) {
+    auto item = root->SubItems.Add(1, root.get(), cMenuItem::New());
+    item->Caption = caption;
+    item->HotKey = key;
+  }
+  const cMenuItem* edited = root->SubItems.item(1).get();
+  wizard_.SetMenu(root.get(), edited);  // editing "Open": its own key does not count
+  item_->HotKey = 0x00020043;
+  Start();
+  ToHotKeyPage();
+  EXPECT_EQ(view_.usedBy, L"Copy");
+  wizard_.hk_KeyDown(68, 2);
+  EXPECT_EQ(view_.usedBy, L"Other");
+  wizard_.hk_KeyDown(69, 2);
+  EXPECT_EQ(view_.usedBy, L"");
+}
+
+TEST_F(WizardTest, CancelLeavesNoItem) {
+  Start();
+  wizard_.txtName_Change(L"Typed");
+  wizard_.cmdNext_Click();
+  wizard_.cmdCANCEL_Click();
+  EXPECT_EQ(wizard_.Response(), 2);
+  EXPECT_EQ(wizard_.MenuItem(), nullptr);
+  EXPECT_EQ(item_->Caption, L"Typed");  // written as typed; the caller drops the item
+}
+
+}  // namespace
+}  // namespace nx
