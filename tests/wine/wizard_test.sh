@@ -1,0 +1,112 @@
+#!/usr/bin/env bash
+# The item wizard from the keyboard under Wine: the program is started with
+# a script path, so the wizard opens by itself for a new script item (name,
+# kind and path from the command line, Control+Shift+F5, Finish); then Ctrl+N
+# makes a pull-down and, under it, a screen-reader command with a hot key
+# captured while Insert is held; an edit is cancelled; closing saves. The
+# saved menu is checked with nxmenu.
+# Usage: wizard_test.sh BIN_DIR NATIVE_NXMENU DEMO_DIR WORK_DIR english|czech
+set -u
+BIN=$(cd "$1" && pwd); NXMENU=$2; DEMO=$(cd "$3" && pwd); WORK=$4; CASE=$5
+HERE=$(cd "$(dirname "$0")" && pwd)
+source "$HERE/../../scripts/wine-session.sh"
+
+rm -rf "$WORK"; mkdir -p "$WORK"
+cp -r "$DEMO" "$WORK/install"
+if [ "$CASE" = czech ]; then
+  export LC_ALL=cs_CZ.UTF-8 2>/dev/null
+  editor_title="Nabídka - notepad"; new_name="Nová položka - Název"; new_keys="Nová položka - Klávesová zkratka"
+  edit_name="Úprava položky - Název"; yes=a; subitem="text: Uložit jako podpoložku?"
+  fresh="1302 Edit Nová položka"; save="text: Byly provedeny změny. Uložit?"
+else
+  editor_title="Menu - notepad"; new_name="New item - Name"; new_keys="New item - Hot Key"
+  edit_name="Edit item - Name"; yes=y; subitem="text: Save as subitem?"
+  fresh="1302 Edit New item"; save="text: Save changes?"
+fi
+failures=0
+fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
+title_arg() {  # a title as nxprobe takes it, whatever the language
+  local file="$WORK/title-$RANDOM.txt"
+  printf '%s\n' "$1" >"$file"
+  echo "@$(nx_winpath "$file")"
+}
+probe() { timeout 60 wine "$BIN/nxprobe.exe" "$1" "$(title_arg "$2")" 20000 2>/dev/null | tr -d '\r'; }
+expect_line() {  # what, probe command, title, line
+  local got; got=$(probe "$2" "$3")
+  grep -qxF -- "$4" <<<"$got" || { fail "$1: no '$4' in"; sed 's/^/    /' <<<"$got"; }
+}
+press() { sleep 0.7; xdotool key "$@"; }
+type_text() { sleep 0.7; xdotool type --delay 60 "$1"; }
+
+nx_session_start "$WORK" || exit 1
+nx_set_install "$WORK/install"
+wine "$BIN/narrixmenu.exe" 'notepad*$(appsetdir)\hello.vbs' >"$WORK/program.log" 2>&1 &
+pid=$!
+
+# 1. The pending new item: a script from the command line.
+expect_line "the wizard opens for the script of the command line" visible "$new_name" "$fresh"
+type_text Hello
+press Return; press Return; press Return
+press ctrl+shift+F5
+expect_line "Control+Shift+F5 captured" visible "$new_keys" "1318 Edit C+S+F5"
+expect_line "the item that already has it is named" visible "$new_keys" "1320 Edit Insert date and time"
+press Tab; press Return
+expect_line "the new script item is the first of the menu" editor "$editor_title" "name: Hello"
+
+# 2. A pull-down after it.
+press ctrl+n
+expect_line "Ctrl+N opens the wizard" visible "$new_name" "$fresh"
+type_text Tools
+press Return; press Return  # Name, then Type: a new item is a pull-down; Finish
+expect_line "the placement question" message "Narrix - Screen Reader" "$subitem"
+press n  # "Save as subitem?" No: after the selected item
+expect_line "the pull-down" editor "$editor_title" "name: Tools"
+
+# 3. A screen-reader command under it, with Insert held for the hot key.
+press ctrl+n
+expect_line "Ctrl+N opens the wizard again" visible "$new_name" "$fresh"
+type_text "Say time"
+press Return
+press Up; press Up  # the kind: Narrix command
+press Return
+for _ in $(seq 1 13); do press Down; done  # "says the time"
+press Return
+sleep 0.7; xdotool keydown Insert key j keyup Insert
+expect_line "Insert+J captured" visible "$new_keys" "1318 Edit Narrix+J"
+press Tab; press Return
+expect_line "the placement question again" message "Narrix - Screen Reader" "$subitem"
+press "$yes"  # "Save as subitem?" Yes: under Tools
+expect_line "the command item" editor "$editor_title" "command: SayTime"
+
+# 4. An edit, cancelled.
+press Home; press Down
+press alt+Return
+expect_line "the edit wizard" visible "$edit_name" "1302 Edit Hello"
+type_text Changed
+press Escape
+expect_line "a cancelled edit changes nothing" editor "$editor_title" "name: Hello"
+
+# 5. Closing asks to save; Yes is the default.
+press Escape
+expect_line "closing asks to save" message "Narrix - Screen Reader" "$save"
+press Return
+set_dir="$WORK/install/Set"
+for _ in $(seq 1 50); do
+  "$NXMENU" dump "$set_dir/notepad/Command.mnu" | grep -q '^Hello ' && break
+  sleep 0.2
+done
+got=$("$NXMENU" dump "$set_dir/notepad/Command.mnu" --keys "$set_dir/gKeyCode.def" | head -4)
+want='Hello  -> shell($(appsetdir)\hello.vbs)  key: C+S+F5  discard  #256
+Tools  discard  #257
+  Say time  -> SayTime  key: Narrix+J  discard  #258
+Read  #259'
+echo "$got" >"$WORK/saved.txt"
+[ "$got" = "$want" ] || { fail "the saved menu"; diff <(echo "$want") <(echo "$got") | sed 's/^/    /'; }
+[ "$("$NXMENU" dump "$set_dir/notepad/Command.mnu" | wc -l)" = 12 ] || fail "the rest of the menu"
+
+press Escape
+nx_wait_exit "$pid" 20 || fail "Escape in the list did not end the program"
+nx_session_stop
+if [ "$failures" -eq 0 ]; then echo "1 passed, 0 failed"; exit 0; fi
+echo "0 passed, 1 failed"
+exit 1
