@@ -36,11 +36,6 @@ int CommandId(EditorCommand command) {
 
 constexpr UINT kTreeFocused = WM_APP + 1;
 
-int ShiftMask() {
-  return (GetKeyState(VK_SHIFT) < 0 ? 1 : 0) | (GetKeyState(VK_CONTROL) < 0 ? 2 : 0) |
-         (GetKeyState(VK_MENU) < 0 ? 4 : 0);
-}
-
 }  // namespace
 
 namespace {
@@ -91,7 +86,7 @@ void MenuEditorWindow::RunModal() {
 bool MenuEditorWindow::PreTranslate(const MSG& msg) {
   if (msg.message != WM_KEYDOWN && msg.message != WM_SYSKEYDOWN) return false;
   if (msg.hwnd != hwnd_ && !IsChild(hwnd_, msg.hwnd)) return false;
-  const int key = static_cast<int>(msg.wParam), shift = ShiftMask();
+  const int key = static_cast<int>(msg.wParam), shift = KeyShiftMask();
   if (key == VK_F9 && shift == 0) {
     logic_.Run(EditorCommand::Preview);
     return true;

@@ -27,4 +27,11 @@ INT_PTR CALLBACK DialogProcOf(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPa
   }
 }
 
+// The modifiers held now, as the program's key handlers take them: Shift 1,
+// Control 2, Alt 4.
+inline int KeyShiftMask() {
+  return (GetKeyState(VK_SHIFT) < 0 ? 1 : 0) | (GetKeyState(VK_CONTROL) < 0 ? 2 : 0) |
+         (GetKeyState(VK_MENU) < 0 ? 4 : 0);
+}
+
 }  // namespace nx

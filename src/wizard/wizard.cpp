@@ -26,15 +26,24 @@ void fWizard::Form_Load() {
   const struct {
     WizardControl control;
     int id;
-  } captions[] = {{WizardControl::NameLabel, kNameLabel},     {WizardControl::HotKeyLabel, kHotKeyLabel},
-                  {WizardControl::CommandLabel, kCommandLabel}, {WizardControl::ScriptLabel, kScriptLabel},
-                  {WizardControl::TypeFrame, kTypeFrame},     {WizardControl::OptPullDown, kOptPullDown},
-                  {WizardControl::OptScript, kOptScript},     {WizardControl::OptCommand, kOptCommand},
-                  {WizardControl::Browse, kBrowse},           {WizardControl::Open, kOpen},
-                  {WizardControl::Back, kBack},               {WizardControl::Discard, kDiscard},
-                  {WizardControl::Next, kNext},               {WizardControl::Cancel, kCancel},
-                  {WizardControl::Delete, kDelete},           {WizardControl::UsedByLabel, kUsedBy},
-                  {WizardControl::Form, kForm},               {WizardControl::Braille, kBraille}};
+  } captions[] = {{WizardControl::NameLabel, kNameLabel},
+                  {WizardControl::HotKeyLabel, kHotKeyLabel},
+                  {WizardControl::CommandLabel, kCommandLabel},
+                  {WizardControl::ScriptLabel, kScriptLabel},
+                  {WizardControl::TypeFrame, kTypeFrame},
+                  {WizardControl::OptPullDown, kOptPullDown},
+                  {WizardControl::OptScript, kOptScript},
+                  {WizardControl::OptCommand, kOptCommand},
+                  {WizardControl::Browse, kBrowse},
+                  {WizardControl::Open, kOpen},
+                  {WizardControl::Back, kBack},
+                  {WizardControl::Discard, kDiscard},
+                  {WizardControl::Next, kNext},
+                  {WizardControl::Cancel, kCancel},
+                  {WizardControl::Delete, kDelete},
+                  {WizardControl::UsedByLabel, kUsedBy},
+                  {WizardControl::Form, kForm},
+                  {WizardControl::Braille, kBraille}};
   for (const auto& c : captions) view_.SetText(c.control, LoadResText(c.id));
 }
 

@@ -14,25 +14,44 @@ namespace {
 
 int ControlId(WizardControl control) {
   switch (control) {
-    case WizardControl::NameLabel: return IDC_LBL_NAME_W;
-    case WizardControl::TypeFrame: return IDC_FRA_ACTION;
-    case WizardControl::OptCommand: return IDC_OPT_COMMAND;
-    case WizardControl::OptScript: return IDC_OPT_SCRIPT;
-    case WizardControl::OptPullDown: return IDC_OPT_PULLDOWN;
-    case WizardControl::CommandLabel: return IDC_LBL_COMMAND_LIST;
-    case WizardControl::ScriptLabel: return IDC_LBL_SCRIPT;
-    case WizardControl::Browse: return IDC_CMD_BROWSE;
-    case WizardControl::Open: return IDC_CMD_OPEN;
-    case WizardControl::Form: return IDC_CMD_FORM;
-    case WizardControl::Tips: return IDC_CMD_TIPS;
-    case WizardControl::HotKeyLabel: return IDC_LBL_HOTKEY_W;
-    case WizardControl::UsedByLabel: return IDC_LBL_USEDBY;
-    case WizardControl::Discard: return IDC_CHK_DISCARD;
-    case WizardControl::Braille: return IDC_CHK_BRAILLE;
-    case WizardControl::Delete: return IDC_CMD_HOTKEY_DEL;
-    case WizardControl::Back: return IDC_CMD_PREV;
-    case WizardControl::Next: return IDC_CMD_NEXT;
-    case WizardControl::Cancel: return IDCANCEL;
+    case WizardControl::NameLabel:
+      return IDC_LBL_NAME_W;
+    case WizardControl::TypeFrame:
+      return IDC_FRA_ACTION;
+    case WizardControl::OptCommand:
+      return IDC_OPT_COMMAND;
+    case WizardControl::OptScript:
+      return IDC_OPT_SCRIPT;
+    case WizardControl::OptPullDown:
+      return IDC_OPT_PULLDOWN;
+    case WizardControl::CommandLabel:
+      return IDC_LBL_COMMAND_LIST;
+    case WizardControl::ScriptLabel:
+      return IDC_LBL_SCRIPT;
+    case WizardControl::Browse:
+      return IDC_CMD_BROWSE;
+    case WizardControl::Open:
+      return IDC_CMD_OPEN;
+    case WizardControl::Form:
+      return IDC_CMD_FORM;
+    case WizardControl::Tips:
+      return IDC_CMD_TIPS;
+    case WizardControl::HotKeyLabel:
+      return IDC_LBL_HOTKEY_W;
+    case WizardControl::UsedByLabel:
+      return IDC_LBL_USEDBY;
+    case WizardControl::Discard:
+      return IDC_CHK_DISCARD;
+    case WizardControl::Braille:
+      return IDC_CHK_BRAILLE;
+    case WizardControl::Delete:
+      return IDC_CMD_HOTKEY_DEL;
+    case WizardControl::Back:
+      return IDC_CMD_PREV;
+    case WizardControl::Next:
+      return IDC_CMD_NEXT;
+    case WizardControl::Cancel:
+      return IDCANCEL;
   }
   return 0;
 }
@@ -42,23 +61,23 @@ const std::vector<int>& PaneControls(WizardPane pane) {
   static const std::vector<int> name{IDC_LBL_NAME_W, IDC_TXT_NAME_W};
   static const std::vector<int> type{IDC_FRA_ACTION, IDC_OPT_COMMAND, IDC_OPT_SCRIPT, IDC_OPT_PULLDOWN};
   static const std::vector<int> command{IDC_LBL_COMMAND_LIST, IDC_LST_COMMAND, IDC_LBL_COMMAND_TEXT, IDC_TXT_COMMAND_W};
-  static const std::vector<int> script{IDC_LBL_SCRIPT, IDC_TXT_SCRIPT, IDC_CMD_BROWSE, IDC_CMD_OPEN, IDC_CMD_FORM,
-                                      IDC_CMD_TIPS};
+  static const std::vector<int> script{IDC_LBL_SCRIPT, IDC_TXT_SCRIPT, IDC_CMD_BROWSE,
+                                       IDC_CMD_OPEN,   IDC_CMD_FORM,   IDC_CMD_TIPS};
   static const std::vector<int> hotKey{IDC_LBL_HOTKEY_W, IDC_HK,          IDC_LBL_USEDBY,    IDC_TXT_USEDBY,
-                                      IDC_CHK_DISCARD,  IDC_CHK_BRAILLE, IDC_CMD_HOTKEY_DEL};
+                                       IDC_CHK_DISCARD,  IDC_CHK_BRAILLE, IDC_CMD_HOTKEY_DEL};
   switch (pane) {
-    case WizardPane::Name: return name;
-    case WizardPane::Type: return type;
-    case WizardPane::Command: return command;
-    case WizardPane::Script: return script;
-    case WizardPane::HotKey: return hotKey;
+    case WizardPane::Name:
+      return name;
+    case WizardPane::Type:
+      return type;
+    case WizardPane::Command:
+      return command;
+    case WizardPane::Script:
+      return script;
+    case WizardPane::HotKey:
+      return hotKey;
   }
   return name;
-}
-
-int ShiftMask() {
-  return (GetKeyState(VK_SHIFT) < 0 ? 1 : 0) | (GetKeyState(VK_CONTROL) < 0 ? 2 : 0) |
-         (GetKeyState(VK_MENU) < 0 ? 4 : 0);
 }
 
 }  // namespace
@@ -102,7 +121,7 @@ void WizardWindow::RunModal() {
 // combinations, F10 and Enter are hot keys there, not commands.
 bool WizardWindow::PreTranslate(const MSG& msg) {
   if (msg.hwnd != Item(IDC_HK) || (msg.message != WM_KEYDOWN && msg.message != WM_SYSKEYDOWN)) return false;
-  return logic_.hk_KeyDown(static_cast<int>(msg.wParam), ShiftMask());
+  return logic_.hk_KeyDown(static_cast<int>(msg.wParam), KeyShiftMask());
 }
 
 INT_PTR WizardWindow::OnMessage(UINT message, WPARAM wParam, LPARAM) {
@@ -133,9 +152,15 @@ INT_PTR WizardWindow::OnMessage(UINT message, WPARAM wParam, LPARAM) {
 
 void WizardWindow::OnCommand(int id, int code) {
   switch (id) {
-    case IDC_CMD_NEXT: logic_.cmdNext_Click(); break;
-    case IDC_CMD_PREV: logic_.cmdPrev_Click(); break;
-    case IDCANCEL: logic_.cmdCANCEL_Click(); break;
+    case IDC_CMD_NEXT:
+      logic_.cmdNext_Click();
+      break;
+    case IDC_CMD_PREV:
+      logic_.cmdPrev_Click();
+      break;
+    case IDCANCEL:
+      logic_.cmdCANCEL_Click();
+      break;
     case IDC_TXT_NAME_W:
       if (code == EN_CHANGE && !filling_) logic_.txtName_Change(TextOf(IDC_TXT_NAME_W));
       if (code == EN_SETFOCUS) SendMessageW(Item(IDC_TXT_NAME_W), EM_SETSEL, 0, -1);
@@ -143,17 +168,38 @@ void WizardWindow::OnCommand(int id, int code) {
     case IDC_TXT_SCRIPT:
       if (code == EN_CHANGE && !filling_) logic_.txtScriptPath_Change(TextOf(IDC_TXT_SCRIPT));
       break;
-    case IDC_OPT_COMMAND: logic_.Kind_Click(WizardKind::Command); break;
-    case IDC_OPT_SCRIPT: logic_.Kind_Click(WizardKind::Script); break;
-    case IDC_OPT_PULLDOWN: logic_.Kind_Click(WizardKind::PullDown); break;
-    case IDC_CMD_BROWSE: logic_.cmdScriptBrowse_Click(); break;
-    case IDC_CMD_OPEN: logic_.cmdScriptEdit_Click(); break;
-    case IDC_CMD_FORM: logic_.cmdScriptForm_Click(); break;
-    case IDC_CMD_TIPS: logic_.cmdTips_Click(); break;
-    case IDC_CHK_DISCARD: logic_.chkDiscard_Click(Checked(WizardControl::Discard)); break;
-    case IDC_CHK_BRAILLE: logic_.chkBraille_Click(Checked(WizardControl::Braille)); break;
-    case IDC_CMD_HOTKEY_DEL: logic_.cmdHotKeyDel_Click(); break;
-    default: break;
+    case IDC_OPT_COMMAND:
+      logic_.Kind_Click(WizardKind::Command);
+      break;
+    case IDC_OPT_SCRIPT:
+      logic_.Kind_Click(WizardKind::Script);
+      break;
+    case IDC_OPT_PULLDOWN:
+      logic_.Kind_Click(WizardKind::PullDown);
+      break;
+    case IDC_CMD_BROWSE:
+      logic_.cmdScriptBrowse_Click();
+      break;
+    case IDC_CMD_OPEN:
+      logic_.cmdScriptEdit_Click();
+      break;
+    case IDC_CMD_FORM:
+      logic_.cmdScriptForm_Click();
+      break;
+    case IDC_CMD_TIPS:
+      logic_.cmdTips_Click();
+      break;
+    case IDC_CHK_DISCARD:
+      logic_.chkDiscard_Click(Checked(WizardControl::Discard));
+      break;
+    case IDC_CHK_BRAILLE:
+      logic_.chkBraille_Click(Checked(WizardControl::Braille));
+      break;
+    case IDC_CMD_HOTKEY_DEL:
+      logic_.cmdHotKeyDel_Click();
+      break;
+    default:
+      break;
   }
 }
 
@@ -198,17 +244,25 @@ void WizardWindow::ShowPane(WizardPane pane) {
     ShowWindow(Item(id), shown ? SW_SHOW : SW_HIDE);
   }
   switch (pane) {
-    case WizardPane::Name: Focus(IDC_TXT_NAME_W); break;
+    case WizardPane::Name:
+      Focus(IDC_TXT_NAME_W);
+      break;
     case WizardPane::Type: {
       const int checked = IsDlgButtonChecked(hwnd_, IDC_OPT_COMMAND)  ? IDC_OPT_COMMAND
                           : IsDlgButtonChecked(hwnd_, IDC_OPT_SCRIPT) ? IDC_OPT_SCRIPT
-                                                                       : IDC_OPT_PULLDOWN;
+                                                                      : IDC_OPT_PULLDOWN;
       Focus(checked);
       break;
     }
-    case WizardPane::Command: Focus(commandList_ ? IDC_LST_COMMAND : IDC_TXT_COMMAND_W); break;
-    case WizardPane::Script: Focus(IDC_TXT_SCRIPT); break;
-    case WizardPane::HotKey: Focus(IDC_HK); break;
+    case WizardPane::Command:
+      Focus(commandList_ ? IDC_LST_COMMAND : IDC_TXT_COMMAND_W);
+      break;
+    case WizardPane::Script:
+      Focus(IDC_TXT_SCRIPT);
+      break;
+    case WizardPane::HotKey:
+      Focus(IDC_HK);
+      break;
   }
 }
 
@@ -277,9 +331,7 @@ void WizardWindow::ScrollCommandToTop(int line) {
 void WizardWindow::ShowCommandList(bool list) { commandList_ = list; }
 bool WizardWindow::CommandListShown() const { return commandList_; }
 
-void WizardWindow::SetCommandText(const std::wstring& text) {
-  SetDlgItemTextW(hwnd_, IDC_TXT_COMMAND_W, text.c_str());
-}
+void WizardWindow::SetCommandText(const std::wstring& text) { SetDlgItemTextW(hwnd_, IDC_TXT_COMMAND_W, text.c_str()); }
 std::wstring WizardWindow::CommandText() const { return TextOf(IDC_TXT_COMMAND_W); }
 
 void WizardWindow::SetScriptPath(const std::wstring& text) {
@@ -300,9 +352,7 @@ void WizardWindow::SetChecked(WizardControl box, bool checked) {
   CheckDlgButton(hwnd_, ControlId(box), checked ? BST_CHECKED : BST_UNCHECKED);
 }
 
-bool WizardWindow::Checked(WizardControl box) const {
-  return IsDlgButtonChecked(hwnd_, ControlId(box)) == BST_CHECKED;
-}
+bool WizardWindow::Checked(WizardControl box) const { return IsDlgButtonChecked(hwnd_, ControlId(box)) == BST_CHECKED; }
 
 bool WizardWindow::IsKeyDown(int key) const { return GetKeyState(key) < 0; }
 

@@ -156,7 +156,7 @@ TEST_F(WizardTest, CommandItemThroughAllPages) {
   EXPECT_EQ(view_.title, L"New item - Narrix command");
   ASSERT_EQ(view_.commands.size(), 3u);
   EXPECT_EQ(view_.commands[2].first, L"Beep");  // a command without comment shows its name
-  EXPECT_EQ(view_.selected, 0);  // a new item starts on the first command
+  EXPECT_EQ(view_.selected, 0);                 // a new item starts on the first command
   view_.selected = 1;
   wizard_.cmdNext_Click();
   EXPECT_EQ(item_->Action, L"SayTime");
