@@ -5,6 +5,7 @@
 //   nxprobe absent TITLE [MS]    exit 0 when no such window appears within MS
 //   nxprobe rect TITLE [MS]      the window's place on the screen: x y width height
 //   nxprobe editor TITLE [MS]    the menu editor: node count, the three fields, focus, Apply
+//   nxprobe popup - [MS]         exit 0 once a pop-up menu is shown
 // A TITLE of the form @FILE is read from FILE (UTF-8), so that titles in any
 // language arrive intact whatever the locale of the calling shell.
 // Exit status 0 when the window was found (absent: not found), 1 otherwise.
@@ -119,6 +120,14 @@ int wmain(int argc, wchar_t** argv) {
   }
   const std::wstring command = argv[1], title = TitleArgument(argv[2]);
   const DWORD ms = argc > 3 ? static_cast<DWORD>(std::wcstoul(argv[3], nullptr, 10)) : 20000;
+  if (command == L"popup") {
+    for (const DWORD start = GetTickCount(); GetTickCount() - start <= ms; Sleep(100)) {
+      HWND menu = FindWindowW(L"#32768", nullptr);
+      if (menu && IsWindowVisible(menu)) return 0;
+    }
+    Print(L"no pop-up menu");
+    return 1;
+  }
   HWND hwnd = WaitForWindow(title, ms);
   if (command == L"absent") return hwnd ? 1 : 0;
   if (!hwnd) {

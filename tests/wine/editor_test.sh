@@ -36,6 +36,8 @@ expect() {
   done <<<"$2"
 }
 press() { sleep 0.6; xdotool key "$@"; }
+# Waits for a pop-up menu before the next key goes to it.
+popup() { timeout 60 wine "$BIN/nxprobe.exe" popup - 20000 >/dev/null 2>&1 || fail "no pop-up menu after $1"; }
 
 nx_session_start "$WORK" || exit 1
 nx_set_install "$WORK/install"
@@ -48,9 +50,9 @@ focus: 1103
 apply: disabled"
 press Down; press Down
 expect "Down, Down" "name: Current line"
-press shift+F10; press "$copy"
+press shift+F10; popup Shift+F10; press "$copy"
 press Down
-press shift+F10; press "$paste_next"
+press shift+F10; popup Shift+F10; press "$paste_next"
 expect "copy, then paste as next after Current word" "nodes: 11
 name: Current line
 apply: enabled"
@@ -62,7 +64,7 @@ got=$(timeout 60 wine "$BIN/nxprobe.exe" message "Narrix - Screen Reader" 20000 
 press Return  # Yes is the default of this question
 expect "after the delete, its neighbour is selected" "nodes: 10
 name: Current word"
-press F9; press Down; press Down; press Return
+press F9; popup F9; press Down; press Down; press Return
 expect "the preview's choice is shown, with the focus in the name field" "name: Insert date and time
 focus: 1105"
 press "$apply"

@@ -18,10 +18,12 @@ if [ "$CASE" = czech ]; then
   editor_title="Nabídka - notepad"; new_name="Nová položka - Název"; new_keys="Nová položka - Klávesová zkratka"
   edit_name="Úprava položky - Název"; yes=a; subitem="text: Uložit jako podpoložku?"
   fresh="1302 Edit Nová položka"; save="text: Byly provedeny změny. Uložit?"
+  new_type="Nová položka - Typ"; new_script="Nová položka - Příkaz"; new_command="Nová položka - Příkaz Narrixu"
 else
   editor_title="Menu - notepad"; new_name="New item - Name"; new_keys="New item - Hot Key"
   edit_name="Edit item - Name"; yes=y; subitem="text: Save as subitem?"
   fresh="1302 Edit New item"; save="text: Save changes?"
+  new_type="New item - Type"; new_script="New item - Command"; new_command="New item - Narrix command"
 fi
 failures=0
 fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
@@ -36,6 +38,8 @@ expect_line() {  # what, probe command, title, line
   grep -qxF -- "$4" <<<"$got" || { fail "$1: no '$4' in"; sed 's/^/    /' <<<"$got"; }
 }
 press() { sleep 0.7; xdotool key "$@"; }
+# Waits for the page titled $1 before the next key goes to it.
+page() { probe visible "$1" | grep -q . || fail "no page '$1'"; }
 type_text() { sleep 0.7; xdotool type --delay 60 "$1"; }
 
 nx_session_start "$WORK" || exit 1
@@ -46,7 +50,9 @@ pid=$!
 # 1. The pending new item: a script from the command line.
 expect_line "the wizard opens for the script of the command line" visible "$new_name" "$fresh"
 type_text Hello
-press Return; press Return; press Return
+press Return; page "$new_type"
+press Return; page "$new_script"
+press Return; page "$new_keys"
 press ctrl+shift+F5
 expect_line "Control+Shift+F5 captured" visible "$new_keys" "1318 Edit C+S+F5"
 expect_line "the item that already has it is named" visible "$new_keys" "1320 Edit Insert date and time"
@@ -57,7 +63,8 @@ expect_line "the new script item is the first of the menu" editor "$editor_title
 press ctrl+n
 expect_line "Ctrl+N opens the wizard" visible "$new_name" "$fresh"
 type_text Tools
-press Return; press Return  # Name, then Type: a new item is a pull-down; Finish
+press Return; page "$new_type"
+press Return  # a new item is a pull-down: Finish
 expect_line "the placement question" message "Narrix - Screen Reader" "$subitem"
 press n  # "Save as subitem?" No: after the selected item
 expect_line "the pull-down" editor "$editor_title" "name: Tools"
@@ -66,11 +73,11 @@ expect_line "the pull-down" editor "$editor_title" "name: Tools"
 press ctrl+n
 expect_line "Ctrl+N opens the wizard again" visible "$new_name" "$fresh"
 type_text "Say time"
-press Return
+press Return; page "$new_type"
 press Up; press Up  # the kind: Narrix command
-press Return
+press Return; page "$new_command"
 for _ in $(seq 1 13); do press Down; done  # "says the time"
-press Return
+press Return; page "$new_keys"
 sleep 0.7; xdotool keydown Insert key j keyup Insert
 expect_line "Insert+J captured" visible "$new_keys" "1318 Edit Narrix+J"
 press Tab; press Return
