@@ -48,40 +48,9 @@ MenuEditorServices AskingThrough(IPrompts& prompts, const MenuEditorServices& s)
 }  // namespace
 
 MenuEditorWindow::MenuEditorWindow(HINSTANCE instance, const MenuEditorServices& services, IPrompts* askWith)
-    : instance_(instance), logic_(*this, AskingThrough(askWith ? *askWith : prompts_, services)) {}
+    : ModalDialog(instance), logic_(*this, AskingThrough(askWith ? *askWith : prompts_, services)) {}
 
-MenuEditorWindow::~MenuEditorWindow() {
-  if (hwnd_) DestroyWindow(hwnd_);
-}
-
-bool MenuEditorWindow::Create(HWND owner) {
-  owner_ = owner;
-  CreateDialogParamW(instance_, MAKEINTRESOURCEW(IDD_MENUDEF), owner, &DialogProcOf<MenuEditorWindow>,
-                     reinterpret_cast<LPARAM>(this));
-  return hwnd_ != nullptr;
-}
-
-void MenuEditorWindow::RunModal() {
-  if (owner_) EnableWindow(owner_, FALSE);
-  ShowWindow(hwnd_, SW_SHOW);
-  SetForegroundWindow(hwnd_);
-  SendMessageW(hwnd_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Tree()), TRUE);
-  MSG msg;
-  while (!closed_ && GetMessageW(&msg, nullptr, 0, 0) > 0) {
-    if (PreTranslate(msg)) continue;
-    if (IsDialogMessageW(hwnd_, &msg)) continue;
-    TranslateMessage(&msg);
-    DispatchMessageW(&msg);
-  }
-  if (msg.message == WM_QUIT) PostQuitMessage(static_cast<int>(msg.wParam));
-  // The owner is enabled and activated before this window goes, so that the
-  // activation passes to it and not to some other program.
-  if (owner_) {
-    EnableWindow(owner_, TRUE);
-    SetActiveWindow(owner_);
-  }
-  if (hwnd_) DestroyWindow(hwnd_);
-}
+void MenuEditorWindow::OnShown() { SendMessageW(hwnd_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Tree()), TRUE); }
 
 bool MenuEditorWindow::PreTranslate(const MSG& msg) {
   if (msg.message != WM_KEYDOWN && msg.message != WM_SYSKEYDOWN) return false;
@@ -127,7 +96,7 @@ INT_PTR MenuEditorWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) 
       return FALSE;
     }
     case WM_CLOSE:
-      if (logic_.Form_QueryUnload()) closed_ = true;
+      if (logic_.Form_QueryUnload()) EndModal();
       return TRUE;
     case kTreeFocused:
       logic_.trvMenu_GotFocus();

@@ -5,31 +5,27 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include "resource.h"
+
 #include <unordered_map>
 #include <string>
 
 #include "applist/app_select.h"
 #include "menu/menu_editor.h"
+#include "platform/win32_modal_dialog.h"
 #include "platform/win32_prompts.h"
 
 namespace nx {
 
-class MenuEditorWindow final : public IMenuEditorView {
+class MenuEditorWindow final : public ModalDialog, public IMenuEditorView {
  public:
   // The window asks its questions in its own message boxes, or through
   // `askWith` when given (for measurements that must not stop).
   MenuEditorWindow(HINSTANCE instance, const MenuEditorServices& services, IPrompts* askWith = nullptr);
-  MenuEditorWindow(const MenuEditorWindow&) = delete;
-  MenuEditorWindow& operator=(const MenuEditorWindow&) = delete;
-  ~MenuEditorWindow() override;
 
   // Creates the window, hidden, and runs its load handler. False on failure.
-  bool Create(HWND owner);
-  // Shows the window with the focus in the tree and returns when it is
-  // closed; the owner is disabled meanwhile and gets the focus back.
-  void RunModal();
+  bool Create(HWND owner) { return CreateFrom(IDD_MENUDEF, owner, this); }
   fMenuDef& Logic() { return logic_; }
-  HWND Handle() const { return hwnd_; }
 
   void SetTitle(const std::wstring& text) override;
   void SetText(EditorText what, const std::wstring& text) override;
@@ -58,13 +54,10 @@ class MenuEditorWindow final : public IMenuEditorView {
   void OnCommand(int id);
   void OnContextMenu(HWND from, LPARAM position);
   // Keys of the program's loop: the tree's own keys and F9 anywhere.
-  bool PreTranslate(const MSG& msg);
+  bool PreTranslate(const MSG& msg) override;
+  void OnShown() override;
   HWND Tree() const;
 
-  HINSTANCE instance_;
-  HWND hwnd_ = nullptr;
-  HWND owner_ = nullptr;
-  bool closed_ = false;
   bool updating_ = false;
   Win32Prompts prompts_;
   fMenuDef logic_;

@@ -83,39 +83,7 @@ const std::vector<int>& PaneControls(WizardPane pane) {
 }  // namespace
 
 WizardWindow::WizardWindow(HINSTANCE instance, IProcesses& processes, cNarrixInfo& info, cDefServer& defs)
-    : instance_(instance), logic_(*this, prompts_, processes, info, defs) {}
-
-WizardWindow::~WizardWindow() {
-  if (hwnd_) DestroyWindow(hwnd_);
-}
-
-bool WizardWindow::Create(HWND owner) {
-  owner_ = owner;
-  CreateDialogParamW(instance_, MAKEINTRESOURCEW(IDD_WIZARD), owner, &DialogProcOf<WizardWindow>,
-                     reinterpret_cast<LPARAM>(this));
-  return hwnd_ != nullptr;
-}
-
-void WizardWindow::RunModal() {
-  if (owner_) EnableWindow(owner_, FALSE);
-  ShowWindow(hwnd_, SW_SHOW);
-  SetForegroundWindow(hwnd_);
-  ShowPane(pane_);
-  MSG msg;
-  while (!closed_ && GetMessageW(&msg, nullptr, 0, 0) > 0) {
-    if (PreTranslate(msg)) continue;
-    if (IsDialogMessageW(hwnd_, &msg)) continue;
-    TranslateMessage(&msg);
-    DispatchMessageW(&msg);
-  }
-  if (msg.message == WM_QUIT) PostQuitMessage(static_cast<int>(msg.wParam));
-  logic_.Form_Unload();
-  if (owner_) {
-    EnableWindow(owner_, TRUE);
-    SetActiveWindow(owner_);
-  }
-  if (hwnd_) DestroyWindow(hwnd_);
-}
+    : ModalDialog(instance), logic_(*this, prompts_, processes, info, defs) {}
 
 // Keys in the capture field are taken before the dialog sees them: Alt
 // combinations, F10 and Enter are hot keys there, not commands.
@@ -279,7 +247,7 @@ void WizardWindow::ShowWindowAgain() {
   ShowPane(pane_);
 }
 
-void WizardWindow::Close() { closed_ = true; }
+void WizardWindow::Close() { EndModal(); }
 
 void WizardWindow::SetName(const std::wstring& text) {
   filling_ = true;

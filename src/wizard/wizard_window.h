@@ -4,20 +4,18 @@
 #include <windows.h>
 
 #include "menu/menu_editor.h"
+#include "platform/win32_modal_dialog.h"
 #include "platform/win32_prompts.h"
+#include "resource.h"
 #include "wizard/wizard.h"
 
 namespace nx {
 
-class WizardWindow final : public IWizardView {
+class WizardWindow final : public ModalDialog, public IWizardView {
  public:
   WizardWindow(HINSTANCE instance, IProcesses& processes, cNarrixInfo& info, cDefServer& defs);
-  WizardWindow(const WizardWindow&) = delete;
-  WizardWindow& operator=(const WizardWindow&) = delete;
-  ~WizardWindow() override;
 
-  bool Create(HWND owner);
-  void RunModal();
+  bool Create(HWND owner) { return CreateFrom(IDD_WIZARD, owner, this); }
   fWizard& Logic() { return logic_; }
 
   void SetTitle(const std::wstring& text) override;
@@ -55,15 +53,13 @@ class WizardWindow final : public IWizardView {
   friend INT_PTR CALLBACK DialogProcOf(HWND, UINT, WPARAM, LPARAM);
   INT_PTR OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
   void OnCommand(int id, int code);
-  bool PreTranslate(const MSG& msg);
+  bool PreTranslate(const MSG& msg) override;
+  void OnShown() override { ShowPane(pane_); }
+  void OnEnded() override { logic_.Form_Unload(); }
   HWND Item(int id) const { return GetDlgItem(hwnd_, id); }
   std::wstring TextOf(int id) const;
   void Focus(int id);
 
-  HINSTANCE instance_;
-  HWND hwnd_ = nullptr;
-  HWND owner_ = nullptr;
-  bool closed_ = false;
   bool filling_ = false;       // texts set by the program, not typed
   bool focusPending_ = false;  // the next activation puts the focus into the page
   WizardPane pane_ = WizardPane::Name;
