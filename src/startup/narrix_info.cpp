@@ -90,4 +90,41 @@ void cNarrixInfo::FormPositionSave(const std::wstring& formName, const FormPosit
   SetRegValue(registry_, kProductKey, formName, L"Height", std::to_wstring(p.height));
 }
 
+void cNarrixInfo::FormVisibilityLoad(const std::wstring& formName, const std::function<void()>& showEx) const {
+  if (FormVisibility(formName) && showEx) showEx();
+}
+
+TextBoxFont cNarrixInfo::TextBoxFontLoad(const std::wstring& formName, const TextBoxFont& current) const {
+  auto number = [&](const wchar_t* value, long def) {
+    return GetRegNumber(registry_, kProductKey, formName, value, def);
+  };
+  auto flag = [&](const wchar_t* value, bool def) { return GetRegBool(registry_, kProductKey, formName, value, def); };
+  TextBoxFont font;
+  font.name = GetRegValue(registry_, kProductKey, formName, L"Font Name", L"Arial");
+  font.size = number(L"Font Size", current.size);
+  font.bold = flag(L"Font Bold", current.bold);
+  font.italic = flag(L"Font Italic", current.italic);
+  font.underline = flag(L"Font Underline", current.underline);
+  font.strikethrough = flag(L"Font Strikethrough", current.strikethrough);
+  font.charset = number(L"Font Charset", current.charset);
+  font.backColor = number(L"Back Color", current.backColor);
+  font.fontColor = number(L"Font Color", current.fontColor);
+  return font;
+}
+
+void cNarrixInfo::TextBoxFontSave(const std::wstring& formName, const TextBoxFont& font) {
+  auto put = [&](const wchar_t* value, const std::wstring& text) {
+    SetRegValue(registry_, kProductKey, formName, value, text);
+  };
+  put(L"Font Name", font.name);
+  put(L"Font Size", std::to_wstring(font.size));
+  put(L"Font Bold", font.bold ? L"1" : L"0");
+  put(L"Font Italic", font.italic ? L"1" : L"0");
+  put(L"Font Underline", font.underline ? L"1" : L"0");
+  put(L"Font Strikethrough", font.strikethrough ? L"1" : L"0");
+  put(L"Font Charset", std::to_wstring(font.charset));
+  put(L"Back Color", std::to_wstring(font.backColor));
+  put(L"Font Color", std::to_wstring(font.fontColor));
+}
+
 }  // namespace nx

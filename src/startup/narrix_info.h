@@ -3,6 +3,7 @@
 // for paths instead of building them.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "platform/registry.h"
@@ -23,6 +24,15 @@ enum LogFlag : unsigned {
 
 struct FormPosition {
   long left = 0, top = 0, width = 0, height = 0;
+};
+
+// A text box's font and colours as the screen reader's windows keep them.
+struct TextBoxFont {
+  std::wstring name = L"Arial";
+  long size = 10;
+  bool bold = false, italic = false, underline = false, strikethrough = false;
+  long charset = 0;
+  long backColor = 0xFFFFFF, fontColor = 0;
 };
 
 class cNarrixInfo {
@@ -62,6 +72,13 @@ class cNarrixInfo {
   long TextMaxLen() const;
   bool FormVisibility(const std::wstring& formName) const;
   void FormVisibilitySave(const std::wstring& formName, bool visible);
+  // Calls `showEx` (the window's own way of showing itself) when the window
+  // is stored as visible.
+  void FormVisibilityLoad(const std::wstring& formName, const std::function<void()>& showEx) const;
+  // The stored font, each missing value taken from `current` (the name from
+  // "Arial" when none is stored).
+  TextBoxFont TextBoxFontLoad(const std::wstring& formName, const TextBoxFont& current) const;
+  void TextBoxFontSave(const std::wstring& formName, const TextBoxFont& font);
   // The stored position, each missing value taken from `current`.
   FormPosition FormPositionLoad(const std::wstring& formName, const FormPosition& current) const;
   void FormPositionSave(const std::wstring& formName, const FormPosition& position);

@@ -128,6 +128,28 @@ TEST_F(NarrixInfoTest, WorkFileFoldersAreCreated) {
   EXPECT_TRUE(IsFolder(dir.Path(L"Work")));
 }
 
+TEST_F(NarrixInfoTest, FontsAndVisibilityOfOtherWindows) {
+  TextBoxFont current;
+  current.size = 12;
+  current.name = L"Courier";
+  EXPECT_EQ(info_.TextBoxFontLoad(L"fText", current).name, L"Arial");  // nothing stored: "Arial"
+  EXPECT_EQ(info_.TextBoxFontLoad(L"fText", current).size, 12);
+  TextBoxFont stored;
+  stored.name = L"Verdana";
+  stored.bold = true;
+  stored.fontColor = 255;
+  info_.TextBoxFontSave(L"fText", stored);
+  const TextBoxFont loaded = info_.TextBoxFontLoad(L"fText", current);
+  EXPECT_EQ(loaded.name, L"Verdana");
+  EXPECT_TRUE(loaded.bold);
+  EXPECT_EQ(loaded.fontColor, 255);
+  int shown = 0;
+  info_.FormVisibilityLoad(L"fText", [&] { ++shown; });
+  info_.FormVisibilitySave(L"fText", true);
+  info_.FormVisibilityLoad(L"fText", [&] { ++shown; });
+  EXPECT_EQ(shown, 1);
+}
+
 TEST(Braille, ActiveFlagIsReadFromSettingIni) {
   test::TempFolder dir;
   BuiltinCodePage page;
