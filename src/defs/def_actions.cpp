@@ -158,7 +158,6 @@ std::wstring cDefActions::GetKeyCodeAsTextEx(const std::wstring& path, int32_t& 
 }
 
 int32_t cDefActions::ReadHex(const std::wstring& key, int32_t def, const std::wstring& file) const {
-  if (!PathExists(file)) return def;
   const std::wstring value = profile_.GetString(L"Actions", key, L"", file);
   if (value.empty()) return def;
   return ParseHex32(value).value_or(def);
@@ -172,8 +171,12 @@ MenuItemPtr cDefActions::InitCommandDef(const std::wstring& menuPath, const std:
     if (complete) *complete = false;
     return nullptr;
   }
+  // A missing profile gives every braille item the code 0; it is looked for
+  // once, not for every item.
+  const bool haveBraille = PathExists(braillePath);
   MenuReadResult result = ParseMenu(
-      bytes, codePage_, [&](const std::wstring& action) { return ReadHex(action, 0, braillePath); }, ItemCounter);
+      bytes, codePage_, [&](const std::wstring& action) { return haveBraille ? ReadHex(action, 0, braillePath) : 0; },
+      ItemCounter);
   if (complete) *complete = result.complete;
   return result.root;
 }

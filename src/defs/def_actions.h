@@ -65,8 +65,8 @@ class cDefActions {
  private:
   std::wstring ModifierText(int16_t mask, bool longNames) const;
   std::wstring KeyName(const std::wstring& path, int16_t key);
-  // Section "Actions" read as a hexadecimal number, `def` when missing or
-  // unreadable.
+  // Section "Actions" of an existing profile read as a hexadecimal number,
+  // `def` when the key is missing or unreadable.
   int32_t ReadHex(const std::wstring& key, int32_t def, const std::wstring& file) const;
 
   struct KeyTable {

@@ -38,7 +38,8 @@ std::optional<int32_t> MenuIdOfKey(const std::wstring& key) {
   }
 }
 
-fMenuDef::fMenuDef(IMenuEditorView& view, MenuEditorServices services) : view_(view), services_(std::move(services)) {}
+fMenuDef::fMenuDef(IMenuEditorView& view, IPrompts& prompts, MenuEditorServices services)
+    : view_(view), prompts_(prompts), services_(std::move(services)) {}
 
 void fMenuDef::Form_Load() {
   view_.SetText(EditorText::TreeLabel, LoadResText(kTreeLabel));
@@ -115,18 +116,13 @@ void fMenuDef::LoadDefs(const std::wstring& menuDir, const std::wstring& appName
   backedUp_ = false;
   CaptionRoot();
   if (!gBrailleName.empty()) defs.InitBrailleKeyMap(BraillePath());
-  view_.BeginTreeUpdate();
-  view_.ClearTree();
-  FillTree();
-  view_.EndTreeUpdate();
-  view_.EnableCommand(EditorCommand::Preview, view_.NodeCount() > 0);
+  Redraw();
   if (root_) {
     view_.SelectNode(NodeKey(root_->MenuId));
     trvMenu_NodeClick(NodeKey(root_->MenuId));
   }
   if (damaged_)
-    services_.prompts.Message(LoadResText(kDamaged, MenuPath()), mb::kOkOnly | mb::kIconExclamation,
-                              LoadResText(kProductTitle));
+    prompts_.Message(LoadResText(kDamaged, MenuPath()), mb::kOkOnly | mb::kIconExclamation, LoadResText(kProductTitle));
 }
 
 void fMenuDef::FillTree() {
@@ -145,6 +141,14 @@ void fMenuDef::FillTree() {
       [](const cMenuItem&, size_t) {});
 }
 
+void fMenuDef::Redraw() {
+  view_.BeginTreeUpdate();
+  view_.ClearTree();
+  FillTree();
+  view_.EndTreeUpdate();
+  view_.EnableCommand(EditorCommand::Preview, view_.NodeCount() > 0);
+}
+
 void fMenuDef::Refresh(const cMenuItem* item) {
   if (root_) {
     int32_t next = IdBase();
@@ -154,11 +158,7 @@ void fMenuDef::Refresh(const cMenuItem* item) {
       // More items than ids: the numbers already given stay.
     }
   }
-  view_.BeginTreeUpdate();
-  view_.ClearTree();
-  FillTree();
-  view_.EndTreeUpdate();
-  view_.EnableCommand(EditorCommand::Preview, view_.NodeCount() > 0);
+  Redraw();
   if (item) {
     view_.SelectNode(NodeKey(item->MenuId));
     trvMenu_NodeClick(NodeKey(item->MenuId));
@@ -205,8 +205,7 @@ bool fMenuDef::Save() {
   if (damaged_ && !backedUp_) {
     std::string bytes;
     if (PathExists(path) && (!ReadFileBytes(path, bytes) || !WriteFileBytes(path + L".bak", bytes))) {
-      services_.prompts.Message(LoadResText(kNotSaved, path), mb::kOkOnly | mb::kIconExclamation,
-                                LoadResText(kProductTitle));
+      prompts_.Message(LoadResText(kNotSaved, path), mb::kOkOnly | mb::kIconExclamation, LoadResText(kProductTitle));
       return false;
     }
     backedUp_ = true;
@@ -217,8 +216,7 @@ bool fMenuDef::Save() {
     return true;
   }
   if (!services_.defs.DefActions().FlushCommand2Def(path, BraillePath(), *root_)) {
-    services_.prompts.Message(LoadResText(kNotSaved, path), mb::kOkOnly | mb::kIconExclamation,
-                              LoadResText(kProductTitle));
+    prompts_.Message(LoadResText(kNotSaved, path), mb::kOkOnly | mb::kIconExclamation, LoadResText(kProductTitle));
     return false;
   }
   return true;
@@ -238,8 +236,8 @@ void fMenuDef::cmdCancel_Click() { view_.Close(); }
 
 bool fMenuDef::Form_QueryUnload() {
   if (!dirty_) return true;
-  const int answer = services_.prompts.Message(LoadResText(kSaveQuestion), mb::kYesNoCancel | mb::kIconQuestion,
-                                               LoadResText(kProductTitle));
+  const int answer =
+      prompts_.Message(LoadResText(kSaveQuestion), mb::kYesNoCancel | mb::kIconQuestion, LoadResText(kProductTitle));
   if (answer == mb::kIdYes) {
     if (!Save()) return false;
     SetDirty(false);

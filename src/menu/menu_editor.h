@@ -87,7 +87,6 @@ class IItemWizard {
 
 // What the editor works with; everything must outlive the editor.
 struct MenuEditorServices {
-  IPrompts& prompts;
   cNarrixInfo& info;
   cDefServer& defs;
   IProfile& profile;
@@ -100,7 +99,7 @@ struct MenuEditorServices {
 
 class fMenuDef {
  public:
-  fMenuDef(IMenuEditorView& view, MenuEditorServices services);
+  fMenuDef(IMenuEditorView& view, IPrompts& prompts, MenuEditorServices services);
 
   // Captions from the string table; the window calls it once when it loads.
   void Form_Load();
@@ -154,6 +153,9 @@ class fMenuDef {
   std::wstring HotKeyText(int32_t code) const;
   void SetDirty(bool dirty);
   void FillTree();
+  // Refills the view from the tree with its drawing suspended; the preview is
+  // available exactly when there is a node.
+  void Redraw();
   // Renumbers the tree, refills the view and selects `item`.
   void Refresh(const cMenuItem* item);
   cMenuItem* FindItem(int32_t menuId) const;
@@ -164,6 +166,7 @@ class fMenuDef {
   void CaptionRoot();
 
   IMenuEditorView& view_;
+  IPrompts& prompts_;
   MenuEditorServices services_;
   MenuItemPtr root_;
   bool general_ = false;

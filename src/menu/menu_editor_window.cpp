@@ -38,17 +38,8 @@ constexpr UINT kTreeFocused = WM_APP + 1;
 
 }  // namespace
 
-namespace {
-
-// The same services, with the questions asked by this window.
-MenuEditorServices AskingThrough(IPrompts& prompts, const MenuEditorServices& s) {
-  return MenuEditorServices{prompts, s.info, s.defs, s.profile, s.menus, s.braille, s.makeBraille, s.wizard};
-}
-
-}  // namespace
-
 MenuEditorWindow::MenuEditorWindow(HINSTANCE instance, const MenuEditorServices& services, IPrompts* askWith)
-    : ModalDialog(instance), logic_(*this, AskingThrough(askWith ? *askWith : prompts_, services)) {}
+    : ModalDialog(instance), logic_(*this, askWith ? *askWith : prompts_, services) {}
 
 void MenuEditorWindow::OnShown() { SendMessageW(hwnd_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Tree()), TRUE); }
 

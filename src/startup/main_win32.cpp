@@ -9,7 +9,6 @@
 #include "menu/menu_editor_window.h"
 #include "platform/win32_native_menus.h"
 #include "platform/win32_profile.h"
-#include "platform/win32_prompts.h"
 #include "platform/win32_registry.h"
 #include "wizard/wizard_window.h"
 #include "startup/command_line.h"
@@ -40,7 +39,6 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int) {
   nx::Win32Registry registry;
   nx::Win32Profile profile;
   nx::Win32NativeMenus menus;
-  nx::Win32Prompts unusedPrompts;  // each window asks through its own
   nx::cNarrixInfo info(registry, ExecutableFolder());
   nx::cDefServer defs(nx::SystemCodePage(), profile, L"");
   // The braille display is opened by the first menu loaded and kept.
@@ -48,7 +46,7 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int) {
   nx::Win32Processes processes;
   nx::WizardLauncher wizard(instance, processes, info, defs);
   nx::MenuEditorLauncher editor(
-      instance, nx::MenuEditorServices{unusedPrompts, info, defs, profile, menus, braille,
+      instance, nx::MenuEditorServices{info, defs, profile, menus, braille,
                                        [] { return std::make_unique<nx::NoBrailleDisplay>(); }, &wizard});
   nx::AppSelectWindow window(instance, info, &editor);
   if (!window.Create()) return 1;

@@ -197,7 +197,7 @@ void WizardWindow::EnableControl(WizardControl control, bool enabled) {
 
 void WizardWindow::ShowControl(WizardControl control, bool shown) {
   ShowWindow(Item(ControlId(control)), shown && pane_ == WizardPane::Script ? SW_SHOW : SW_HIDE);
-  if (control == WizardControl::Form) SetWindowLongPtrW(Item(IDC_CMD_FORM), GWLP_USERDATA, shown ? 1 : 0);
+  if (control == WizardControl::Form) formShown_ = shown;
 }
 
 void WizardWindow::ShowPane(WizardPane pane) {
@@ -208,7 +208,7 @@ void WizardWindow::ShowPane(WizardPane pane) {
     bool shown = true;
     if (id == IDC_LST_COMMAND || id == IDC_LBL_COMMAND_LIST) shown = commandList_;
     if (id == IDC_TXT_COMMAND_W || id == IDC_LBL_COMMAND_TEXT) shown = !commandList_;
-    if (id == IDC_CMD_FORM) shown = GetWindowLongPtrW(Item(IDC_CMD_FORM), GWLP_USERDATA) != 0;
+    if (id == IDC_CMD_FORM) shown = formShown_;
     ShowWindow(Item(id), shown ? SW_SHOW : SW_HIDE);
   }
   switch (pane) {

@@ -64,6 +64,7 @@ class WizardWindow final : public ModalDialog, public IWizardView {
   bool focusPending_ = false;  // the next activation puts the focus into the page
   WizardPane pane_ = WizardPane::Name;
   bool commandList_ = true;
+  bool formShown_ = false;  // the script has a form file
   Win32Prompts prompts_;
   fWizard logic_;
 };

@@ -178,8 +178,9 @@ class MenuEditorTest : public ::testing::Test {
   std::unique_ptr<IBrailleDisplay> braille_;
   ScriptedPrompts prompts_;
   FakeEditorView view_;
-  fMenuDef editor_{view_, MenuEditorServices{prompts_, info_, defs_, profile_, menus_, braille_,
-                                             [] { return std::make_unique<NoBrailleDisplay>(); }, nullptr}};
+  fMenuDef editor_{view_, prompts_,
+                   MenuEditorServices{info_, defs_, profile_, menus_, braille_,
+                                      [] { return std::make_unique<NoBrailleDisplay>(); }, nullptr}};
 };
 
 TEST_F(MenuEditorTest, LoadingShowsTheTree) {
@@ -470,7 +471,7 @@ class RenamingWizard : public IItemWizard {
 
 TEST_F(MenuEditorTest, NewAndEditGoThroughTheWizard) {
   RenamingWizard wizard;
-  fMenuDef editor(view_, MenuEditorServices{prompts_, info_, defs_, profile_, menus_, braille_, nullptr, &wizard});
+  fMenuDef editor(view_, prompts_, MenuEditorServices{info_, defs_, profile_, menus_, braille_, nullptr, &wizard});
   editor.Form_Load();
   editor.LoadDefs(dir_.Path(L"Set"), L"notepad", false);
 

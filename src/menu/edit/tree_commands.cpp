@@ -16,7 +16,7 @@ namespace nx {
 namespace {
 
 constexpr int kNewItem = 704, kPullDownQuestion = 630, kSubitemQuestion = 631, kWholeMenuQuestion = 632;
-constexpr int kRemoveQuestion = 633, kRemoveAllQuestion = 634, kGeneral = 2051, kApplication = 2052;
+constexpr int kRemoveQuestion = 633, kRemoveAllQuestion = 634;
 constexpr int kProductTitle = 2053;
 // Yes/No with No as the default; Yes/No/Cancel with No as the default.
 constexpr unsigned kYesNoDefaultNo = mb::kYesNo | mb::kIconQuestion | mb::kDefaultButton2;
@@ -70,8 +70,7 @@ void fMenuDef::mnuTreePaste_Click() {
     PasteAt(target, true);
     return;
   }
-  const int answer =
-      services_.prompts.Message(LoadResText(kSubitemQuestion), kYesNoCancelDefaultNo, LoadResText(kProductTitle));
+  const int answer = prompts_.Message(LoadResText(kSubitemQuestion), kYesNoCancelDefaultNo, LoadResText(kProductTitle));
   if (answer == mb::kIdYes) PasteAt(target, true);
   if (answer == mb::kIdNo) PasteAt(target, false);
 }
@@ -93,8 +92,8 @@ void fMenuDef::PasteAt(cMenuItem* target, bool asChild) {
   // take the target with it.
   if (cut_ && IsWithin(target, clipboard_.get())) return;
   if (asChild && (!target->Action.empty() || target->HotKey != 0)) {
-    if (services_.prompts.Message(LoadResText(kPullDownQuestion, target->Caption), kYesNoDefaultNo,
-                                  LoadResText(kProductTitle)) != mb::kIdYes)
+    if (prompts_.Message(LoadResText(kPullDownQuestion, target->Caption), kYesNoDefaultNo,
+                         LoadResText(kProductTitle)) != mb::kIdYes)
       return;
     target->Action.clear();
     target->HotKey = 0;
@@ -120,8 +119,7 @@ void fMenuDef::PasteAt(cMenuItem* target, bool asChild) {
 void fMenuDef::mnuTreeDelete_Click() {
   if (!view_.SelectedNode()) return;
   if (SelectedIsTop()) {
-    if (services_.prompts.Message(LoadResText(kWholeMenuQuestion), kYesNoDefaultNo, LoadResText(kProductTitle)) !=
-        mb::kIdYes)
+    if (prompts_.Message(LoadResText(kWholeMenuQuestion), kYesNoDefaultNo, LoadResText(kProductTitle)) != mb::kIdYes)
       return;
     root_.reset();
     Refresh(nullptr);
@@ -132,8 +130,8 @@ void fMenuDef::mnuTreeDelete_Click() {
   cMenuItem* item = SelectedItem();
   if (!item) return;
   const int question = item->SubItems.Count() > 0 ? kRemoveAllQuestion : kRemoveQuestion;
-  if (services_.prompts.Message(LoadResText(question, item->Caption), mb::kYesNo | mb::kIconQuestion,
-                                LoadResText(kProductTitle)) != mb::kIdYes)
+  if (prompts_.Message(LoadResText(question, item->Caption), mb::kYesNo | mb::kIconQuestion,
+                       LoadResText(kProductTitle)) != mb::kIdYes)
     return;
   // The selection moves to a neighbour, so that the keyboard focus stays on
   // something: the next sibling, else the one before, else the parent.
@@ -156,8 +154,8 @@ void fMenuDef::mnuTreeDelete_Click() {
   SetDirty(true);
 
   const std::wstring script = JoinPath(JoinPath(services_.info.DirSet(), gAppName), removed->Caption + L".vbs");
-  if (FileExists(script) && services_.prompts.Message(L"Smazat soubor " + removed->Caption + L".vbs?", kYesNoDefaultNo,
-                                                      LoadResText(kProductTitle)) == mb::kIdYes) {
+  if (FileExists(script) && prompts_.Message(L"Smazat soubor " + removed->Caption + L".vbs?", kYesNoDefaultNo,
+                                             LoadResText(kProductTitle)) == mb::kIdYes) {
     std::error_code ignored;
     std::filesystem::remove(ToFsPath(script), ignored);
     std::filesystem::remove(ToFsPath(script.substr(0, script.size() - 4) + L".frm"), ignored);
@@ -188,8 +186,7 @@ void fMenuDef::mnuNew_Click() {
   MenuItemPtr kept = clipboard_;
   if (!root_) {
     root_ = cMenuItem::New();
-    root_->Caption = L"[root]";
-    root_->Caption = general_ ? LoadResText(kGeneral) : LoadResText(kApplication, gAppName);
+    CaptionRoot();
     view_.AddNode(NodeKey(root_->MenuId), L"", root_->Caption, false);
     view_.SelectNode(NodeKey(root_->MenuId));
   }

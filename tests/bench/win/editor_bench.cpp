@@ -85,7 +85,7 @@ Times Measure(HINSTANCE instance, const std::wstring& work, int items) {
   nx::cDefServer defs(nx::SystemCodePage(), profile, work + L"\\Set\\");
   std::unique_ptr<nx::IBrailleDisplay> braille;
   nx::MenuEditorServices services{
-      yes, info, defs, profile, menus, braille, [] { return std::make_unique<nx::NoBrailleDisplay>(); }, nullptr};
+      info, defs, profile, menus, braille, [] { return std::make_unique<nx::NoBrailleDisplay>(); }, nullptr};
   nx::CreateFolder(work);
   nx::CreateFolder(work + L"\\Set");
   nx::CreateFolder(work + L"\\Set\\bench");
