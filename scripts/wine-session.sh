@@ -64,3 +64,16 @@ nx_wait_exit() {
   done
   return 1
 }
+
+# Runs a probe program under Wine and prints what it printed, without the
+# carriage returns. A probe that prints nothing at all did not run (Wine
+# could not start it while the machine was busy), so it is run once more;
+# what Wine said goes to $NX_WORK/probe.err.
+nx_probe() {
+  local out
+  for _ in 1 2; do
+    out=$(timeout 60 wine "$@" 2>>"$NX_WORK/probe.err" | tr -d '\r')
+    [ -n "$out" ] && break
+  done
+  printf '%s\n' "$out"
+}

@@ -27,7 +27,7 @@ LIST_TITLE="@$(nx_winpath "$WORK/list-title.txt")"
 
 failures=0
 fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
-editor() { timeout 60 wine "$BIN/nxprobe.exe" editor "$TITLE" 20000 2>/dev/null | tr -d '\r'; }
+editor() { nx_probe "$BIN/nxprobe.exe" editor "$TITLE" 20000; }
 # expect "what" "lines that must all appear in the editor's state"
 expect() {
   local state; state=$(editor)
@@ -59,7 +59,7 @@ apply: enabled"
 press Up; press Up
 expect "Up, Up to the original" "name: Current line"
 press Delete
-got=$(timeout 60 wine "$BIN/nxprobe.exe" message "Narrix - Screen Reader" 20000 2>/dev/null | tr -d '\r')
+got=$(nx_probe "$BIN/nxprobe.exe" message "Narrix - Screen Reader" 20000)
 [ "$got" = "$question" ] || { fail "delete question"; echo "$got" | sed 's/^/    /'; }
 press Return  # Yes is the default of this question
 expect "after the delete, its neighbour is selected" "nodes: 10
@@ -85,7 +85,7 @@ Tips for Notepad  -> shell(notepad.exe "$(appsetdir)\tips.txt")  key: Narrix+A+T
 [ "$got" = "$want" ] || { fail "the saved menu"; diff <(echo "$want") <(echo "$got") | sed 's/^/    /'; }
 
 press Escape  # saved: the editor closes without a question
-got=$(timeout 60 wine "$BIN/nxprobe.exe" list "$LIST_TITLE" 20000 2>/dev/null | tr -d '\r' | grep -E '^(selected|focus):')
+got=$(nx_probe "$BIN/nxprobe.exe" list "$LIST_TITLE" 20000 | grep -E '^(selected|focus):')
 [ "$got" = $'selected: 2\nfocus: 1003' ] || { fail "back in the list"; echo "$got" | sed 's/^/    /'; }
 press Escape
 nx_wait_exit "$pid" 20 || fail "Escape in the list did not end the program"

@@ -32,7 +32,7 @@ title_arg() {  # a title as nxprobe takes it, whatever the language
   printf '%s\n' "$1" >"$file"
   echo "@$(nx_winpath "$file")"
 }
-probe() { timeout 60 wine "$BIN/nxprobe.exe" "$1" "$(title_arg "$2")" 20000 2>/dev/null | tr -d '\r'; }
+probe() { nx_probe "$BIN/nxprobe.exe" "$1" "$(title_arg "$2")" 20000; }
 expect_line() {  # what, probe command, title, line
   local got; got=$(probe "$2" "$3")
   grep -qxF -- "$4" <<<"$got" || { fail "$1: no '$4' in"; sed 's/^/    /' <<<"$got"; }
