@@ -98,9 +98,8 @@ void fMenuDef::CaptionRoot() {
 void fMenuDef::LoadDefs(const std::wstring& menuDir, const std::wstring& appName, bool general) {
   if (!services_.braille) {
     if (gBrailleName.empty()) gBrailleName = gCmdDisplayName;
-    if (services_.makeBraille) services_.braille = services_.makeBraille();
-    if (services_.braille && IsBrailleActive(services_.profile, services_.info.DirSet()) &&
-        services_.braille->Initialize() && gBrailleName.empty() && services_.braille->isValid())
+    if (services_.brailleOpener) services_.braille = services_.brailleOpener->OpenNew();
+    if (services_.braille && gBrailleName.empty() && services_.braille->isValid())
       gBrailleName = services_.braille->BrailleDescription();
   }
   SetDirty(false);

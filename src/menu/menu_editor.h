@@ -91,9 +91,10 @@ struct MenuEditorServices {
   cDefServer& defs;
   IProfile& profile;
   INativeMenus& menus;
-  // The program's braille display, made on the first LoadDefs and kept.
+  // The program's braille display, made by `brailleOpener` on the first
+  // LoadDefs and kept; no opener: no display.
   std::unique_ptr<IBrailleDisplay>& braille;
-  std::function<std::unique_ptr<IBrailleDisplay>()> makeBraille;
+  IBrailleOpener* brailleOpener;
   IItemWizard* wizard = nullptr;  // null: New and Edit are not available
 };
 

@@ -2,10 +2,14 @@
 // application list and acts on the command line.
 #include <windows.h>
 #include <commctrl.h>
+#include <objbase.h>
 
 #include <string>
 
 #include "applist/app_select_window.h"
+#include "braille/braille_opener.h"
+#include "braille/win32_busy_notice.h"
+#include "braille/win32_koral.h"
 #include "menu/menu_editor_window.h"
 #include "platform/win32_native_menus.h"
 #include "platform/win32_profile.h"
@@ -30,24 +34,43 @@ std::wstring ExecutableFolder() {
   }
 }
 
+// COM for the braille component, in this thread's apartment, so that the
+// display's events arrive with the window messages.
+class ComApartment {
+ public:
+  ComApartment() : ok_(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+  ~ComApartment() {
+    if (ok_) CoUninitialize();
+  }
+  ComApartment(const ComApartment&) = delete;
+  ComApartment& operator=(const ComApartment&) = delete;
+
+ private:
+  bool ok_;
+};
+
 }  // namespace
 
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int) {
   INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_STANDARD_CLASSES | ICC_TREEVIEW_CLASSES};
   InitCommonControlsEx(&controls);
 
+  ComApartment com;
   nx::Win32Registry registry;
   nx::Win32Profile profile;
   nx::Win32NativeMenus menus;
   nx::cNarrixInfo info(registry, ExecutableFolder());
   nx::cDefServer defs(nx::SystemCodePage(), profile, L"");
-  // The braille display is opened by the first menu loaded and kept.
-  std::unique_ptr<nx::IBrailleDisplay> braille;
+  nx::Win32KoralFactory koral;
+  nx::Win32BusyNotice notice(instance);
+  nx::BrailleOpener brailleOpener(koral, profile, info, &notice);
   nx::Win32Processes processes;
-  nx::WizardLauncher wizard(instance, processes, info, defs);
-  nx::MenuEditorLauncher editor(
-      instance, nx::MenuEditorServices{info, defs, profile, menus, braille,
-                                       [] { return std::make_unique<nx::NoBrailleDisplay>(); }, &wizard});
+  nx::WizardLauncher wizard(instance, processes, info, defs, &brailleOpener);
+  // The braille display is opened by the first menu loaded and kept; it is
+  // closed before COM goes.
+  std::unique_ptr<nx::IBrailleDisplay> braille;
+  nx::MenuEditorLauncher editor(instance,
+                                nx::MenuEditorServices{info, defs, profile, menus, braille, &brailleOpener, &wizard});
   nx::AppSelectWindow window(instance, info, &editor);
   if (!window.Create()) return 1;
   editor.SetOwner(window.Handle());

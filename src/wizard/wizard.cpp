@@ -14,8 +14,14 @@ constexpr int kBack = 700, kNext = 701, kFinish = 702, kName = 705, kType = 706,
 constexpr int kNarrixCommand = 709, kNameLabel = 710, kTypeFrame = 711, kOptCommand = 712, kOptScript = 713;
 constexpr int kOptPullDown = 714, kCommandLabel = 715, kScriptLabel = 717, kOpen = 718, kBrowse = 719;
 constexpr int kDiscard = 722, kHotKeyLabel = 723, kDelete = 725, kCancel = 101, kGeneralMenu = 504;
-constexpr int kUsedBy = 645, kForm = 646, kBraille = 647;
+constexpr int kUsedBy = 645, kForm = 646, kBraille = 647, kBrailleHook = 648;
 constexpr int32_t kBrailleBit = 0x40000000;
+// Status buttons: bit 31 as well, and the family in the high word.
+constexpr uint32_t kStatusButton = 0xC0000000u, kCursorStatus = 2, kAuxStatus = 4;
+
+int32_t StatusCode(int32_t button, uint32_t family) {
+  return static_cast<int32_t>(kStatusButton | (family << 16) | (static_cast<uint32_t>(button) & 0xFFFFu));
+}
 
 }  // namespace
 
@@ -43,7 +49,8 @@ void fWizard::Form_Load() {
                   {WizardControl::Delete, kDelete},
                   {WizardControl::UsedByLabel, kUsedBy},
                   {WizardControl::Form, kForm},
-                  {WizardControl::Braille, kBraille}};
+                  {WizardControl::Braille, kBraille},
+                  {WizardControl::BrailleHook, kBrailleHook}};
   for (const auto& c : captions) view_.SetText(c.control, LoadResText(c.id));
 }
 
@@ -91,6 +98,11 @@ void fWizard::PageDisplay() {
       Kind_Click(view_.Kind());
       break;
     case 2:
+      // Back from the hot-key page: the display is for reading again.
+      if (display_) {
+        SetBrailleDisplay(nullptr);
+        view_.SetChecked(WizardControl::BrailleHook, false);
+      }
       if (view_.Kind() == WizardKind::Script) {
         view_.SetTitle(captionBase_ + LoadResText(kCommand));
         FillScript();
@@ -345,6 +357,36 @@ void fWizard::chkBraille_Click(bool checked) {
   ShowUsedBy();
 }
 
+void fWizard::SetBrailleDisplay(std::unique_ptr<IBrailleDisplay> display) {
+  if (display_) display_->SetEvents(nullptr);
+  display_ = std::move(display);
+  if (display_) display_->SetEvents(&relay_);
+}
+
+void fWizard::chkBrailleHook_Click(bool checked) {
+  if (!checked) {
+    SetBrailleDisplay(nullptr);  // what was captured stays
+    return;
+  }
+  if (opener_) SetBrailleDisplay(opener_->OpenNew());
+  view_.FocusHotKey();
+}
+
+void fWizard::CaptureButton(int32_t code) {
+  if (!item_ || !view_.HotKeyHasFocus()) return;
+  view_.SetChecked(WizardControl::Braille, true);
+  view_.EnableControl(WizardControl::Discard, false);  // a display button cannot be discarded
+  ShowCode(code, false);
+  item_->HotKey = code;
+  ShowUsedBy();
+}
+
+void fWizard::koral_BrailleBtnAuxStatus(int32_t button) { CaptureButton(StatusCode(button, kAuxStatus)); }
+
+void fWizard::koral_BrailleBtnCusorStatus(int32_t button) { CaptureButton(StatusCode(button, kCursorStatus)); }
+
+void fWizard::koral_BrailleBtnNormal(int32_t buttons) { CaptureButton((buttons & 0x3FFFFFFF) | kBrailleBit); }
+
 void fWizard::cmdHotKeyDel_Click() {
   view_.SetHotKeyText(L"", true);
   view_.SetChecked(WizardControl::Braille, false);
@@ -357,6 +399,9 @@ void fWizard::cmdHotKeyDel_Click() {
   ShowUsedBy();
 }
 
-void fWizard::Form_Unload() { gCmdScriptPath.clear(); }
+void fWizard::Form_Unload() {
+  SetBrailleDisplay(nullptr);
+  gCmdScriptPath.clear();
+}
 
 }  // namespace nx

@@ -4,8 +4,10 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
+#include "braille/braille_display.h"
 #include "defs/def_actions.h"
 #include "menu/menu_item.h"
 #include "platform/prompts.h"
@@ -32,6 +34,7 @@ enum class WizardControl {
   UsedByLabel,
   Discard,
   Braille,
+  BrailleHook,
   Delete,
   Back,
   Next,
@@ -77,6 +80,9 @@ class IWizardView {
   // The capture field's text; unless `keepFocus`, the focus goes back into
   // it so that the next key is captured too.
   virtual void SetHotKeyText(const std::wstring& text, bool keepFocus) = 0;
+  virtual void FocusHotKey() = 0;
+  // Whether the keyboard focus is in the capture field now.
+  virtual bool HotKeyHasFocus() const = 0;
   virtual void SetUsedBy(const std::wstring& text) = 0;
   virtual void SetChecked(WizardControl box, bool checked) = 0;
   virtual bool Checked(WizardControl box) const = 0;
@@ -102,6 +108,13 @@ class fWizard {
   // items with the same key; `original` is the item being edited (its copy
   // is what the wizard changes) and is not counted.
   void SetMenu(const cMenuItem* root, const cMenuItem* original);
+  // Where "Braille keys" gets a display from; null: the box attaches nothing.
+  // Must outlive the wizard.
+  void SetBrailleOpener(IBrailleOpener* opener) { opener_ = opener; }
+  // The display whose buttons the wizard captures from now on; null detaches
+  // (and closes) the one it had.
+  void SetBrailleDisplay(std::unique_ptr<IBrailleDisplay> display);
+  bool BrailleAttached() const { return display_ != nullptr; }
 
   void cmdNext_Click();
   void cmdPrev_Click();
@@ -114,6 +127,12 @@ class fWizard {
   bool hk_KeyDown(int key, int shift);
   void chkDiscard_Click(bool checked);
   void chkBraille_Click(bool checked);
+  void chkBrailleHook_Click(bool checked);
+  // The display's buttons; captured only while the focus is in the capture
+  // field, so that the display can still be used to read the wizard.
+  void koral_BrailleBtnAuxStatus(int32_t button);
+  void koral_BrailleBtnCusorStatus(int32_t button);
+  void koral_BrailleBtnNormal(int32_t buttons);
   void cmdHotKeyDel_Click();
   void cmdScriptBrowse_Click();
   void cmdScriptEdit_Click();
@@ -132,6 +151,7 @@ class fWizard {
   void FillScript();
   void FillHotKey();
   void ShowCode(int32_t code, bool keepFocus);
+  void CaptureButton(int32_t code);
   void ShowUsedBy();
   void WriteCommand();
   std::wstring Expand(const std::wstring& text) const;
@@ -151,6 +171,17 @@ class fWizard {
   int page_ = 0;
   int response_ = 0;
   std::wstring captionBase_;
+  IBrailleOpener* opener_ = nullptr;
+  // Hands the display's buttons to the wizard's handlers.
+  struct ButtonRelay final : IBrailleEvents {
+    explicit ButtonRelay(fWizard& w) : wizard(w) {}
+    void BrailleBtnAuxStatus(int32_t button) override { wizard.koral_BrailleBtnAuxStatus(button); }
+    void BrailleBtnCusorStatus(int32_t button) override { wizard.koral_BrailleBtnCusorStatus(button); }
+    void BrailleBtnNormal(int32_t buttons) override { wizard.koral_BrailleBtnNormal(buttons); }
+    fWizard& wizard;
+  } relay_{*this};
+  // After the relay, so that the display is closed before the relay goes.
+  std::unique_ptr<IBrailleDisplay> display_;
 };
 
 }  // namespace nx

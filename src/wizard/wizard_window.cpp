@@ -44,6 +44,8 @@ int ControlId(WizardControl control) {
       return IDC_CHK_DISCARD;
     case WizardControl::Braille:
       return IDC_CHK_BRAILLE;
+    case WizardControl::BrailleHook:
+      return IDC_CHK_BRAILLE_HOOK;
     case WizardControl::Delete:
       return IDC_CMD_HOTKEY_DEL;
     case WizardControl::Back:
@@ -63,8 +65,8 @@ const std::vector<int>& PaneControls(WizardPane pane) {
   static const std::vector<int> command{IDC_LBL_COMMAND_LIST, IDC_LST_COMMAND, IDC_LBL_COMMAND_TEXT, IDC_TXT_COMMAND_W};
   static const std::vector<int> script{IDC_LBL_SCRIPT, IDC_TXT_SCRIPT, IDC_CMD_BROWSE,
                                        IDC_CMD_OPEN,   IDC_CMD_FORM,   IDC_CMD_TIPS};
-  static const std::vector<int> hotKey{IDC_LBL_HOTKEY_W, IDC_HK,          IDC_LBL_USEDBY,    IDC_TXT_USEDBY,
-                                       IDC_CHK_DISCARD,  IDC_CHK_BRAILLE, IDC_CMD_HOTKEY_DEL};
+  static const std::vector<int> hotKey{IDC_LBL_HOTKEY_W, IDC_HK,          IDC_LBL_USEDBY,       IDC_TXT_USEDBY,
+                                       IDC_CHK_DISCARD,  IDC_CHK_BRAILLE, IDC_CHK_BRAILLE_HOOK, IDC_CMD_HOTKEY_DEL};
   switch (pane) {
     case WizardPane::Name:
       return name;
@@ -162,6 +164,9 @@ void WizardWindow::OnCommand(int id, int code) {
       break;
     case IDC_CHK_BRAILLE:
       logic_.chkBraille_Click(Checked(WizardControl::Braille));
+      break;
+    case IDC_CHK_BRAILLE_HOOK:
+      logic_.chkBrailleHook_Click(Checked(WizardControl::BrailleHook));
       break;
     case IDC_CMD_HOTKEY_DEL:
       logic_.cmdHotKeyDel_Click();
@@ -314,6 +319,10 @@ void WizardWindow::SetHotKeyText(const std::wstring& text, bool keepFocus) {
   if (!keepFocus) Focus(IDC_HK);
 }
 
+void WizardWindow::FocusHotKey() { Focus(IDC_HK); }
+
+bool WizardWindow::HotKeyHasFocus() const { return GetFocus() == Item(IDC_HK); }
+
 void WizardWindow::SetUsedBy(const std::wstring& text) { SetDlgItemTextW(hwnd_, IDC_TXT_USEDBY, text.c_str()); }
 
 void WizardWindow::SetChecked(WizardControl box, bool checked) {
@@ -332,6 +341,7 @@ bool WizardLauncher::Describe(cMenuItem& item, bool isNew, const cMenuItem* root
   wizard.SetCaptionBase(LoadResText(isNew ? 704 : 703));
   wizard.SetTipsCaption(LoadResText(724));
   wizard.LoadDefs(JoinPath(info_.DirSet(), L"gKeyCode.def"), JoinPath(info_.DirSet(), L"gActions.def"));
+  wizard.SetBrailleOpener(brailleOpener_);
   wizard.SetMenuItem(&item);
   window.RunModal();
   return wizard.Response() == 1;

@@ -43,6 +43,8 @@ class WizardWindow final : public ModalDialog, public IWizardView {
   void SetScriptPath(const std::wstring& text) override;
   std::wstring ScriptPath() const override;
   void SetHotKeyText(const std::wstring& text, bool keepFocus) override;
+  void FocusHotKey() override;
+  bool HotKeyHasFocus() const override;
   void SetUsedBy(const std::wstring& text) override;
   void SetChecked(WizardControl box, bool checked) override;
   bool Checked(WizardControl box) const override;
@@ -72,8 +74,10 @@ class WizardWindow final : public ModalDialog, public IWizardView {
 // Runs the wizard modally over the menu editor.
 class WizardLauncher final : public IItemWizard {
  public:
-  WizardLauncher(HINSTANCE instance, IProcesses& processes, cNarrixInfo& info, cDefServer& defs)
-      : instance_(instance), processes_(processes), info_(info), defs_(defs) {}
+  // Everything must outlive the launcher; `brailleOpener` may be null.
+  WizardLauncher(HINSTANCE instance, IProcesses& processes, cNarrixInfo& info, cDefServer& defs,
+                 IBrailleOpener* brailleOpener)
+      : instance_(instance), processes_(processes), info_(info), defs_(defs), brailleOpener_(brailleOpener) {}
   bool Describe(cMenuItem& item, bool isNew, const cMenuItem* root, const cMenuItem* original) override;
 
  private:
@@ -81,6 +85,7 @@ class WizardLauncher final : public IItemWizard {
   IProcesses& processes_;
   cNarrixInfo& info_;
   cDefServer& defs_;
+  IBrailleOpener* brailleOpener_;
 };
 
 // Starts programs with CreateProcess in a normal window.

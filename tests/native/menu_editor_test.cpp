@@ -6,6 +6,8 @@
 #include <map>
 #include <vector>
 
+#include "braille/braille_opener.h"
+#include "fake_koral.h"
 #include "menu/menu_editor.h"
 #include "platform/text.h"
 #include "startup/command_line.h"
@@ -176,12 +178,40 @@ class MenuEditorTest : public ::testing::Test {
   cDefServer defs_{page_, profile_, L""};
   NullMenus menus_;
   std::unique_ptr<IBrailleDisplay> braille_;
+  test::FakeKoralFactory koral_;
+  BrailleOpener opener_{koral_, profile_, info_, nullptr};
   ScriptedPrompts prompts_;
   FakeEditorView view_;
-  fMenuDef editor_{view_, prompts_,
-                   MenuEditorServices{info_, defs_, profile_, menus_, braille_,
-                                      [] { return std::make_unique<NoBrailleDisplay>(); }, nullptr}};
+  fMenuDef editor_{view_, prompts_, MenuEditorServices{info_, defs_, profile_, menus_, braille_, &opener_, nullptr}};
 };
+
+// The display's own description names its profile, unless the command line
+// named one; the display is opened only when braille is switched on.
+TEST_F(MenuEditorTest, TheDisplayNamesItsProfile) {
+  const struct {
+    const char* setting;
+    const wchar_t* commandLine;
+    const wchar_t* name;
+  } cases[] = {
+      {"[Braille]\r\nBrailleActive=1\r\n", L"", L"Focus 40"},
+      {"[Braille]\r\nBrailleActive=1\r\n", L"Other", L"Other"},
+      {"[Braille]\r\nBrailleActive=0\r\n", L"", L""},
+      {"", L"", L""},
+  };
+  for (const auto& c : cases) {
+    dir_.Write(L"Set\\setting.ini", c.setting);
+    gBrailleName.clear();
+    gCmdDisplayName = c.commandLine;
+    braille_.reset();
+    koral_.koral.log.clear();
+    Open();
+    EXPECT_EQ(gBrailleName, c.name) << c.setting;
+    const bool opened = std::wstring(c.name) == L"Focus 40" || std::wstring(c.commandLine) == L"Other";
+    EXPECT_EQ(koral_.koral.Log().empty(), !opened) << koral_.koral.Log();
+    Open();  // the display is opened once for the whole program
+    EXPECT_EQ(koral_.koral.log.size(), opened ? 5u : 0u);
+  }
+}
 
 TEST_F(MenuEditorTest, LoadingShowsTheTree) {
   Open();

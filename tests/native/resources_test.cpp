@@ -98,7 +98,7 @@ TEST(Resources, WizardPagesHaveUniqueAccessKeys) {
       {711, 712, 713, 714, 700, 701, 702, 101},
       {715, 700, 701, 101},
       {717, 719, 718, 646, 724, 700, 701, 101},
-      {723, 645, 722, 647, 725, 700, 702, 101},
+      {723, 645, 722, 647, 648, 725, 700, 702, 101},
   };
   for (UiLanguage language : {UiLanguage::English, UiLanguage::Czech}) {
     for (const auto& page : pages) {

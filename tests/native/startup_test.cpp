@@ -203,7 +203,7 @@ TEST(StringTable, EveryIdInBothLanguages) {
                           {601, 606},
                           {608, 617},
                           {630, 636},
-                          {640, 647},  // ours: preview, damaged file, failed save, moving, the wizard's extras
+                          {640, 648},  // ours: preview, damaged file, failed save, moving, the wizard's extras
                           {700, 715},
                           {717, 725},
                           {1050, 1050},

@@ -5,6 +5,8 @@
 #include <set>
 #include <vector>
 
+#include "braille/koral.h"
+#include "fake_koral.h"
 #include "menu/menu_editor.h"
 #include "platform/folders.h"
 #include "platform/text.h"
@@ -26,14 +28,17 @@ class FakeWizardView : public IWizardView {
   WizardKind kind = WizardKind::PullDown;
   std::vector<std::pair<std::wstring, int>> commands;
   int selected = -1, topLine = -1, hides = 0;
-  bool list = true, closed = false, keepFocus = true;
+  bool list = true, closed = false, keepFocus = true, hkFocus = false;
   std::set<int> keysDown;
 
   void SetTitle(const std::wstring& t) override { title = t; }
   void SetText(WizardControl c, const std::wstring& t) override { texts[c] = t; }
   void EnableControl(WizardControl c, bool on) override { enabled[c] = on; }
   void ShowControl(WizardControl c, bool on) override { shown[c] = on; }
-  void ShowPane(WizardPane p) override { pane = p; }
+  void ShowPane(WizardPane p) override {
+    pane = p;
+    hkFocus = p == WizardPane::HotKey;
+  }
   void HideWindow() override { ++hides; }
   void ShowWindowAgain() override {}
   void Close() override { closed = true; }
@@ -59,7 +64,10 @@ class FakeWizardView : public IWizardView {
   void SetHotKeyText(const std::wstring& t, bool keep) override {
     hotKeyText = t;
     keepFocus = keep;
+    if (!keep) hkFocus = true;
   }
+  void FocusHotKey() override { hkFocus = true; }
+  bool HotKeyHasFocus() const override { return hkFocus; }
   void SetUsedBy(const std::wstring& t) override { usedBy = t; }
   void SetChecked(WizardControl c, bool on) override { checked[c] = on; }
   bool Checked(WizardControl c) const override { return checked.count(c) && checked.at(c); }
@@ -84,6 +92,19 @@ class OpenFilePrompts : public IPrompts {
     filter = f;
     folder = d;
     return chosen;
+  }
+};
+
+// Opens every display it makes, as when braille is switched on.
+class OpeningBraille : public IBrailleOpener {
+ public:
+  test::FakeKoralFactory factory;
+  int made = 0;
+  std::unique_ptr<IBrailleDisplay> OpenNew() override {
+    ++made;
+    auto display = std::make_unique<cKoral>(factory);
+    display->Initialize();
+    return display;
   }
 };
 
@@ -280,6 +301,71 @@ TEST_F(WizardTest, HotKeyCapture) {
   wizard_.cmdNext_Click();
   EXPECT_EQ(item_->HotKey, 0);
   EXPECT_FALSE(item_->Discard);
+}
+
+TEST_F(WizardTest, DisplayButtonsAreCapturedInTheField) {
+  OpeningBraille braille;
+  wizard_.SetBrailleOpener(&braille);
+  Start();
+  ToHotKeyPage();
+  view_.hkFocus = false;
+  wizard_.chkBrailleHook_Click(true);
+  EXPECT_EQ(braille.made, 1);
+  EXPECT_TRUE(view_.hkFocus);  // ready for the first button
+  IKoralDisplayEvents& display = *braille.factory.koral.events;
+  const struct {
+    int kind;  // 0 normal, 1 cursor status, 2 auxiliary status
+    int32_t value;
+    uint32_t code;
+  } presses[] = {
+      {0, 5, 0x40000005},          {1, 3, 0xC0020003},  {2, 3, 0xC0040003},
+      {0, 0x7FFFFFFF, 0x7FFFFFFF}, {1, -1, 0xC002FFFF}, {2, 0x12345, 0xC0042345},
+  };
+  for (const auto& p : presses) {
+    view_.checked[WizardControl::Braille] = false;
+    view_.enabled[WizardControl::Discard] = true;
+    if (p.kind == 0) display.koral_BrailleBtnNormal(7, p.value, 1);
+    if (p.kind == 1) display.koral_BrailleBtnCusorStatus(7, p.value);
+    if (p.kind == 2) display.koral_BrailleBtnAuxStatus(7, p.value);
+    EXPECT_EQ(static_cast<uint32_t>(item_->HotKey), p.code) << p.value;
+    EXPECT_TRUE(view_.checked[WizardControl::Braille]);
+    EXPECT_FALSE(view_.enabled[WizardControl::Discard]);
+    EXPECT_FALSE(view_.keepFocus);
+  }
+  display.koral_BrailleBtnNormal(7, 5, 1);
+  EXPECT_EQ(view_.hotKeyText, L"[H1+H4]");  // the names of buttons 0 and 2 without a key map
+
+  // With the focus on a button the display only reads the wizard.
+  view_.hkFocus = false;
+  display.koral_BrailleBtnNormal(7, 6, 1);
+  display.koral_BrailleBtnCusorStatus(7, 9);
+  EXPECT_EQ(static_cast<uint32_t>(item_->HotKey), 0x40000005u);
+
+  // Unchecked: the display is let go and the captured button stays.
+  view_.hkFocus = true;
+  wizard_.chkBrailleHook_Click(false);
+  EXPECT_FALSE(wizard_.BrailleAttached());
+  EXPECT_EQ(braille.factory.koral.log.back(), L"Shutdown");
+  EXPECT_EQ(static_cast<uint32_t>(item_->HotKey), 0x40000005u);
+}
+
+TEST_F(WizardTest, DisplayIsLetGoOnTheCommandPageAndOnClosing) {
+  OpeningBraille braille;
+  wizard_.SetBrailleOpener(&braille);
+  Start();
+  ToHotKeyPage();
+  wizard_.chkBrailleHook_Click(true);
+  view_.checked[WizardControl::BrailleHook] = true;
+  wizard_.cmdPrev_Click();
+  EXPECT_FALSE(wizard_.BrailleAttached());
+  EXPECT_FALSE(view_.checked[WizardControl::BrailleHook]);
+  wizard_.cmdNext_Click();
+  wizard_.chkBrailleHook_Click(true);
+  EXPECT_TRUE(wizard_.BrailleAttached());
+  wizard_.Form_Unload();
+  EXPECT_FALSE(wizard_.BrailleAttached());
+  EXPECT_EQ(braille.made, 2);
+  EXPECT_EQ(braille.factory.koral.log.back(), L"Shutdown");
 }
 
 TEST_F(WizardTest, NamesOtherItemsWithTheSameKey) {

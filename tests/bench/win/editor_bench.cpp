@@ -84,8 +84,7 @@ Times Measure(HINSTANCE instance, const std::wstring& work, int items) {
   nx::cNarrixInfo info(registry, work);
   nx::cDefServer defs(nx::SystemCodePage(), profile, work + L"\\Set\\");
   std::unique_ptr<nx::IBrailleDisplay> braille;
-  nx::MenuEditorServices services{
-      info, defs, profile, menus, braille, [] { return std::make_unique<nx::NoBrailleDisplay>(); }, nullptr};
+  nx::MenuEditorServices services{info, defs, profile, menus, braille, nullptr, nullptr};
   nx::CreateFolder(work);
   nx::CreateFolder(work + L"\\Set");
   nx::CreateFolder(work + L"\\Set\\bench");
