@@ -6,6 +6,14 @@
 //   nxprobe rect TITLE [MS]      the window's place on the screen: x y width height
 //   nxprobe editor TITLE [MS]    the menu editor: node count, the three fields, focus, Apply
 //   nxprobe popup - [MS]         exit 0 once a pop-up menu is shown
+//   nxprobe braille KIND BUTTON [PRESSED [UNIT]]
+//                                presses a button of every open stand-in braille
+//                                display (koral_standin.dll): KIND normal, cursor
+//                                or aux; PRESSED 1 unless given; UNIT, when not 0,
+//                                the unit the event reports. Waits up to 20 s for
+//                                such a display, prints "sent: N raised: M" (N
+//                                displays, M of them passed the event on to a
+//                                listener); exit 0 when a display was reached.
 // A TITLE of the form @FILE is read from FILE (UTF-8), so that titles in any
 // language arrive intact whatever the locale of the calling shell.
 // Exit status 0 when the window was found (absent: not found), 1 otherwise.
@@ -13,6 +21,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "platform/text.h"
 
@@ -111,11 +120,58 @@ std::wstring TitleArgument(const std::wstring& arg) {
   return nx::Utf8ToWide(text);
 }
 
+const wchar_t kBrailleClass[] = L"NxKoralStandIn";
+
+BOOL CALLBACK CollectBrailleWindow(HWND hwnd, LPARAM param) {
+  if (ClassOf(hwnd) == kBrailleClass) reinterpret_cast<std::vector<HWND>*>(param)->push_back(hwnd);
+  return TRUE;
+}
+
+// The stand-in's windows are hidden, which EnumWindows lists all the same.
+std::vector<HWND> WaitForBrailleWindows(DWORD ms) {
+  std::vector<HWND> windows;
+  for (const DWORD start = GetTickCount();; Sleep(100)) {
+    EnumWindows(CollectBrailleWindow, reinterpret_cast<LPARAM>(&windows));
+    if (!windows.empty() || GetTickCount() - start > ms) return windows;
+  }
+}
+
+int Braille(int argc, wchar_t** argv) {
+  const std::wstring kind = argc > 2 ? argv[2] : L"";
+  UINT message = 0;
+  if (kind == L"normal") message = WM_APP + 1;
+  if (kind == L"cursor") message = WM_APP + 2;
+  if (kind == L"aux") message = WM_APP + 3;
+  if (!message || argc < 4 || argc > 6) {
+    Print(L"usage: nxprobe braille normal|cursor|aux BUTTON [PRESSED [UNIT]]");
+    return 2;
+  }
+  // Base 0, so that button sets may be written in hexadecimal.
+  const WPARAM button = std::wcstoul(argv[3], nullptr, 0);
+  const DWORD pressed = argc > 4 ? std::wcstoul(argv[4], nullptr, 0) : 1;
+  const DWORD unit = argc > 5 ? std::wcstoul(argv[5], nullptr, 0) : 0;
+  const LPARAM lparam = static_cast<LPARAM>((pressed & 0xFFFF) | ((unit & 0xFFFF) << 16));
+  int reached = 0, raised = 0;
+  const std::vector<HWND> windows = WaitForBrailleWindows(20000);
+  for (HWND hwnd : windows) {
+    DWORD_PTR result = 0;
+    // Sent, not posted: the event has been handled when this returns.
+    if (!SendMessageTimeoutW(hwnd, message, button, lparam, SMTO_ABORTIFHUNG, 5000, &result)) continue;
+    ++reached;
+    if (result == 1) ++raised;
+  }
+  Print(L"sent: " + std::to_wstring(windows.size()) + L" raised: " + std::to_wstring(raised));
+  if (reached < static_cast<int>(windows.size()))
+    Print(L"unanswered: " + std::to_wstring(windows.size() - static_cast<size_t>(reached)));
+  return reached > 0 ? 0 : 1;
+}
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
+  if (argc >= 2 && std::wstring(argv[1]) == L"braille") return Braille(argc, argv);
   if (argc < 3) {
-    Print(L"usage: nxprobe list|message|absent TITLE [MS]");
+    Print(L"usage: nxprobe list|message|absent|rect|editor|visible|active TITLE [MS] | popup - [MS] | braille ...");
     return 2;
   }
   const std::wstring command = argv[1], title = TitleArgument(argv[2]);
