@@ -719,6 +719,10 @@ class Root final : public Automation<Root> {
         LONG mode = 0;
         if (FAILED(hr = LongArgument(params, 0, &mode, arg_err))) return hr;
         Log(L"Initialize", mode);
+        // A real display can take seconds to answer; [Koral] InitDelayMs
+        // lets a test see what the program shows meanwhile.
+        const std::wstring file = Environment(L"NX_KORAL_STANDIN");
+        if (!file.empty()) Sleep(static_cast<DWORD>(ReadLong(file, L"Koral", L"InitDelayMs", 0)));
         return S_OK;
       }
       case kDisplayCount: {
