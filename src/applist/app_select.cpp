@@ -1,5 +1,7 @@
 #include "applist/app_select.h"
 
+#include "applist/folder_name.h"
+#include "applist/help_page.h"
 #include "platform/folders.h"
 #include "platform/text.h"
 #include "startup/command_line.h"
@@ -11,11 +13,22 @@ namespace {
 
 constexpr int kCaption = 501, kListLabel = 502, kEdit = 503, kGeneralMenu = 504, kCreateMenuQuestion = 505;
 constexpr int kCancel = 101, kBadInstallation = 1050, kProductTitle = 2053;
+constexpr int kNewNameLabel = 650, kNameEmpty = 651, kNameBadCharacter = 652, kNameDots = 653, kNameReserved = 654;
+constexpr int kNameTaken = 655, kGeneralFixed = 656, kRename = 657, kRemove = 658, kAddVersion = 659, kExport = 660;
+constexpr int kDeleteKey = 46;
+
+// The screen reader's own fixed Czech texts for these buttons.
+constexpr wchar_t kRenameTitle[] = L"P\u0159ejmenovat";
+constexpr wchar_t kRemoveQuestion[] = L"Smazat nab\u00eddku ";
+constexpr wchar_t kCannotDo[] = L"Nelze prov\u00e9st.";
+constexpr wchar_t kFolderExists[] = L"Slo\u017eka ji\u017e existuje.";
+constexpr wchar_t kHelpUpdated[] = L"N\u00e1pov\u011bda aktualizov\u00e1na v souboru ";
 
 }  // namespace
 
-fAppSelect::fAppSelect(IAppSelectView& view, IPrompts& prompts, cNarrixInfo& info, IMenuEditorEntry* editor)
-    : view_(view), prompts_(prompts), info_(info), editor_(editor) {}
+fAppSelect::fAppSelect(IAppSelectView& view, IPrompts& prompts, cNarrixInfo& info, IMenuEditorEntry* editor,
+                       AppListPorts ports)
+    : view_(view), prompts_(prompts), info_(info), editor_(editor), ports_(ports) {}
 
 void fAppSelect::Form_Load(void* form) {
   SetCaptions();
@@ -28,6 +41,10 @@ void fAppSelect::SetCaptions() {
   view_.SetText(AppSelectText::ListLabel, LoadResText(kListLabel));
   view_.SetText(AppSelectText::Ok, LoadResText(kEdit));
   view_.SetText(AppSelectText::Cancel, LoadResText(kCancel));
+  view_.SetText(AppSelectText::Rename, LoadResText(kRename));
+  view_.SetText(AppSelectText::Remove, LoadResText(kRemove));
+  view_.SetText(AppSelectText::AddVersion, LoadResText(kAddVersion));
+  view_.SetText(AppSelectText::Export, LoadResText(kExport));
 }
 
 bool fAppSelect::FillAppList(const std::wstring& folder) {
@@ -100,6 +117,120 @@ void fAppSelect::cmdCANCEL_Click() {
   if (ended_) return;
   ended_ = true;
   view_.EndProgram();
+}
+
+void fAppSelect::Tell(const std::wstring& text, unsigned icon) {
+  prompts_.Message(text, mb::kOkOnly | icon, LoadResText(kProductTitle));
+}
+
+std::optional<std::wstring> fAppSelect::SelectedApp(bool refuseGeneral) {
+  const int index = view_.SelectedIndex();
+  if (ended_ || index < 0) return std::nullopt;
+  const std::wstring name = view_.ListEntry(index);
+  if (name != LoadResText(kGeneralMenu)) return name;
+  if (refuseGeneral) Tell(LoadResText(kGeneralFixed, name), mb::kIconExclamation);
+  return std::nullopt;
+}
+
+void fAppSelect::Refill(int index) {
+  if (!FillAppList(info_.DirSet())) return;
+  const int count = view_.ListCount();
+  if (index >= count) index = count - 1;
+  if (index >= 0) view_.SelectEntry(index);
+  lstApplication_Click();
+  view_.FocusList();
+}
+
+bool fAppSelect::NameRefused(const std::wstring& oldName, const std::wstring& newName) {
+  int message = 0;
+  switch (CheckFolderName(newName)) {
+    case FolderNameProblem::None:
+      break;
+    case FolderNameProblem::Empty:
+      message = kNameEmpty;
+      break;
+    case FolderNameProblem::BadCharacter:
+      message = kNameBadCharacter;
+      break;
+    case FolderNameProblem::Dots:
+      message = kNameDots;
+      break;
+    case FolderNameProblem::Reserved:
+      message = kNameReserved;
+      break;
+  }
+  // Another folder of that name; a change of case only is a rename.
+  if (!message && UpperCase(newName) != UpperCase(oldName) &&
+      ports_.folders->FolderExists(JoinPath(info_.DirSet(), newName)))
+    message = kNameTaken;
+  if (message) Tell(LoadResText(message, newName), mb::kIconExclamation);
+  return message != 0;
+}
+
+void fAppSelect::cmdRename_Click() {
+  if (!ports_.folders) return;
+  const auto name = SelectedApp(true);
+  if (!name) return;
+  const int index = view_.SelectedIndex();
+  const std::wstring newName = prompts_.InputBox(LoadResText(kNewNameLabel), kRenameTitle, *name);
+  if (newName.empty() || newName == *name || NameRefused(*name, newName)) {
+    view_.FocusList();
+    return;
+  }
+  ports_.folders->MoveFolder(JoinPath(info_.DirSet(), *name), JoinPath(info_.DirSet(), newName));
+  Refill(index);
+}
+
+void fAppSelect::cmdRemoveApp_Click() {
+  if (!ports_.folders) return;
+  const auto name = SelectedApp(true);
+  if (!name) return;
+  const int answer = prompts_.Message(kRemoveQuestion + *name + L" ?",
+                                      mb::kYesNo | mb::kIconQuestion | mb::kDefaultButton2, LoadResText(kProductTitle));
+  if (answer == mb::kIdYes) {
+    ports_.folders->DeleteFolder(JoinPath(info_.DirSet(), *name));
+    if (!FillAppList(info_.DirSet())) return;
+  }
+  view_.FocusList();
+}
+
+void fAppSelect::cmdAddVer_Click() {
+  if (!ports_.folders || !ports_.apps || ended_) return;
+  const int index = view_.SelectedIndex();
+  if (index < 0) return;
+  const std::wstring name = view_.ListEntry(index);
+  const std::wstring version = ports_.apps->GetRunningAppVersion(name);
+  if (version.empty()) {
+    Tell(kCannotDo, mb::kIconCritical);
+    return;
+  }
+  const std::wstring copy = JoinPath(info_.DirSet(), name + L"_ver." + version);
+  if (ports_.folders->FolderExists(copy)) {
+    Tell(kFolderExists, mb::kIconCritical);
+    return;
+  }
+  ports_.folders->CopyFolder(JoinPath(info_.DirSet(), name), copy);
+  Refill(index);
+}
+
+void fAppSelect::cmdExport_Click() {
+  if (!editor_ || !ports_.codePage || ended_) return;
+  std::wstring text;
+  const std::wstring general = LoadResText(kGeneralMenu);
+  for (int i = 0, n = view_.ListCount(); i < n; ++i) {
+    const std::wstring name = view_.ListEntry(i);
+    text += editor_->ListDefs(info_.DirSet(), name, name == general);
+  }
+  const std::wstring page = HelpPagePath(info_);
+  const HelpPageResult result = UpdateHelpPage(page, text, *ports_.codePage);
+  if (result == HelpPageResult::Updated || result == HelpPageResult::NoStartMarker)
+    Tell(kHelpUpdated + page, mb::kIconInformation);
+}
+
+bool fAppSelect::Form_KeyDown(int key) {
+  if (key != kDeleteKey) return false;
+  cmdRemoveApp_Click();
+  return true;
 }
 
 }  // namespace nx

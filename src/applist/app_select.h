@@ -4,14 +4,18 @@
 // what this class tells it through IAppSelectView and forwards its events.
 #pragma once
 
+#include <optional>
 #include <string>
 
+#include "platform/code_page.h"
+#include "platform/folder_ops.h"
 #include "platform/prompts.h"
+#include "platform/running_apps.h"
 #include "startup/narrix_info.h"
 
 namespace nx {
 
-enum class AppSelectText { Window, ListLabel, Ok, Cancel };
+enum class AppSelectText { Window, ListLabel, Ok, Cancel, Rename, Remove, AddVersion, Export };
 
 class IAppSelectView {
  public:
@@ -39,13 +43,24 @@ class IMenuEditorEntry {
  public:
   virtual ~IMenuEditorEntry() = default;
   virtual void EditMenu(const std::wstring& dirSet, const std::wstring& appName, bool general) = 0;
+  // The menu's section of the help page, without showing the editor.
+  virtual std::wstring ListDefs(const std::wstring& dirSet, const std::wstring& appName, bool general) = 0;
+};
+
+// What the folder buttons and the export work with; all must outlive the
+// list. Without them those buttons do nothing.
+struct AppListPorts {
+  IFolderOps* folders = nullptr;
+  IRunningApps* apps = nullptr;
+  const ICodePage* codePage = nullptr;  // of the help page
 };
 
 class fAppSelect {
  public:
   // All references must outlive this object; `editor` may be null while the
   // program has no editor to open.
-  fAppSelect(IAppSelectView& view, IPrompts& prompts, cNarrixInfo& info, IMenuEditorEntry* editor);
+  fAppSelect(IAppSelectView& view, IPrompts& prompts, cNarrixInfo& info, IMenuEditorEntry* editor,
+             AppListPorts ports = {});
 
   // Load handler: captions, the installation settings, the list. When the
   // settings folder cannot be opened the program ends here (Ended()).
@@ -63,17 +78,38 @@ class fAppSelect {
   void lstApplication_DblClick();
   void cmdOK_Click();
   void cmdCANCEL_Click();
+  // Renames the selected application's folder to a name asked for; a name
+  // that cannot be a folder, or is taken, is refused with a message.
+  void cmdRename_Click();
+  // Deletes the selected application's folder with its menu, after asking.
+  void cmdRemoveApp_Click();
+  // Copies the selected application's folder to name_ver.VERSION, the
+  // version of that application running now.
+  void cmdAddVer_Click();
+  // Writes every menu's hot keys into the help page.
+  void cmdExport_Click();
+  // A key anywhere in the window; true when it was handled (Delete).
+  bool Form_KeyDown(int key);
 
   bool Ended() const { return ended_; }
 
  private:
   void SetCaptions();
   int FindEntry(const std::wstring& name) const;
+  // The selected application's name; nothing for none or the general menu
+  // (after saying it cannot be changed when `refuseGeneral`).
+  std::optional<std::wstring> SelectedApp(bool refuseGeneral);
+  bool NameRefused(const std::wstring& oldName, const std::wstring& newName);
+  // Refills the list, selects position `index` (or the nearest) and puts the
+  // focus back into it.
+  void Refill(int index);
+  void Tell(const std::wstring& text, unsigned icon);
 
   IAppSelectView& view_;
   IPrompts& prompts_;
   cNarrixInfo& info_;
   IMenuEditorEntry* editor_;
+  AppListPorts ports_;
   bool ended_ = false;
 };
 

@@ -5,8 +5,8 @@
 
 namespace nx {
 
-AppSelectWindow::AppSelectWindow(HINSTANCE instance, cNarrixInfo& info, IMenuEditorEntry* editor)
-    : instance_(instance), logic_(*this, prompts_, info, editor) {}
+AppSelectWindow::AppSelectWindow(HINSTANCE instance, cNarrixInfo& info, IMenuEditorEntry* editor, AppListPorts ports)
+    : instance_(instance), logic_(*this, prompts_, info, editor, ports) {}
 
 bool AppSelectWindow::Create() {
   loading_ = true;
@@ -33,7 +33,15 @@ void AppSelectWindow::FocusList() {
   SetFocus(List());
 }
 
-bool AppSelectWindow::PreTranslateMessage(MSG& msg) { return hwnd_ && IsDialogMessageW(hwnd_, &msg); }
+// Delete works anywhere in the window, as a key of the window, not of one
+// control.
+bool AppSelectWindow::PreTranslateMessage(MSG& msg) {
+  if (!hwnd_) return false;
+  if (msg.message == WM_KEYDOWN && (msg.hwnd == hwnd_ || IsChild(hwnd_, msg.hwnd)) &&
+      logic_.Form_KeyDown(static_cast<int>(msg.wParam)))
+    return true;
+  return IsDialogMessageW(hwnd_, &msg);
+}
 
 INT_PTR AppSelectWindow::OnMessage(UINT message, WPARAM wParam, LPARAM) {
   switch (message) {
@@ -62,6 +70,18 @@ void AppSelectWindow::OnCommand(int id, int code) {
     case IDCANCEL:
       logic_.cmdCANCEL_Click();
       break;
+    case IDC_CMD_RENAME:
+      logic_.cmdRename_Click();
+      break;
+    case IDC_CMD_REMOVE_APP:
+      logic_.cmdRemoveApp_Click();
+      break;
+    case IDC_CMD_ADD_VER:
+      logic_.cmdAddVer_Click();
+      break;
+    case IDC_CMD_EXPORT:
+      logic_.cmdExport_Click();
+      break;
     case IDC_LST_APPLICATION:
       if (code == LBN_SELCHANGE) logic_.lstApplication_Click();
       if (code == LBN_DBLCLK) logic_.lstApplication_DblClick();
@@ -84,6 +104,18 @@ void AppSelectWindow::SetText(AppSelectText what, const std::wstring& text) {
       break;
     case AppSelectText::Cancel:
       SetDlgItemTextW(hwnd_, IDCANCEL, text.c_str());
+      break;
+    case AppSelectText::Rename:
+      SetDlgItemTextW(hwnd_, IDC_CMD_RENAME, text.c_str());
+      break;
+    case AppSelectText::Remove:
+      SetDlgItemTextW(hwnd_, IDC_CMD_REMOVE_APP, text.c_str());
+      break;
+    case AppSelectText::AddVersion:
+      SetDlgItemTextW(hwnd_, IDC_CMD_ADD_VER, text.c_str());
+      break;
+    case AppSelectText::Export:
+      SetDlgItemTextW(hwnd_, IDC_CMD_EXPORT, text.c_str());
       break;
   }
 }

@@ -11,7 +11,8 @@ namespace nx {
 
 class AppSelectWindow final : public IAppSelectView {
  public:
-  AppSelectWindow(HINSTANCE instance, cNarrixInfo& info, IMenuEditorEntry* editor);
+  // `ports` and `editor` must outlive the window.
+  AppSelectWindow(HINSTANCE instance, cNarrixInfo& info, IMenuEditorEntry* editor, AppListPorts ports = {});
   AppSelectWindow(const AppSelectWindow&) = delete;
   AppSelectWindow& operator=(const AppSelectWindow&) = delete;
 

@@ -15,12 +15,18 @@
 #endif
 
 #include "cli/json.h"
+#include "applist/help_page.h"
 #include "cli/menu_json.h"
 #include "defs/def_actions.h"
 #include "defs/def_text.h"
+#include "menu/menu_editor.h"
+#include "menu/menu_listing.h"
 #include "platform/code_page.h"
 #include "platform/folders.h"
 #include "platform/profile.h"
+#include "platform/registry.h"
+#include "startup/settings.h"
+#include "startup/string_table.h"
 #include "platform/text.h"
 
 namespace nx {
@@ -35,6 +41,7 @@ const char kUsage[] =
     "  from-json JSON MENU   write a menu file from JSON\n"
     "  check PATH       report problems in a menu file or in every menu of an installation\n"
     "  format-key CODE  the text of a hot-key code\n"
+    "  export-help ROOT write every menu's hot keys into the installation's help page\n"
     "\n"
     "Texts in menu files are in the ANSI code page: --codepage 1250|1252 chooses it\n"
     "(default: the system's ANSI code page on Windows, 1252 elsewhere). JSON and\n"
@@ -71,6 +78,15 @@ const std::map<std::string, std::string> kCommandHelp = {
      "braille-button hot keys into section Actions of the braille display profile INI.\n"
      "JSON may be - for standard input. The old MENU is replaced only by a complete new\n"
      "file. Members menuId, hotKeyText and complete are ignored, so dumps read back.\n"},
+    {"export-help",
+     "usage: nxmenu export-help INSTALLATION_ROOT [--display NAME] [--codepage CP]\n"
+     "Writes the hot keys of every menu of the installation (the general menu first,\n"
+     "then the applications in list order) between the lines holding\n"
+     "'<!-- app hotkey start -->' and '<!-- app hotkey end -->' of\n"
+     "ROOT/help/narrix/hotkey.htm, as the program's Export button does, and prints\n"
+     "the page's path. --display names the braille display whose profile gives\n"
+     "the braille buttons' names. The page is replaced in one piece or not at all.\n"
+     "Exit status 1 when the page is missing, cannot be written or has no start marker.\n"},
     {"check",
      "usage: nxmenu check MENU_OR_INSTALLATION_ROOT [--braille NAME] [--codepage CP]\n"
      "\n"
@@ -402,6 +418,61 @@ int FormatKey(const std::vector<std::wstring>& argv) {
   return 0;
 }
 
+// Menus are listed without a window: the pop-up menus and the braille
+// display are never needed.
+struct NoMenus final : INativeMenus {
+  NativeMenu CreatePopup() override { return 0; }
+  void AppendPopup(NativeMenu, NativeMenu, const std::wstring&) override {}
+  void AppendCommand(NativeMenu, int, const std::wstring&) override {}
+  void Destroy(NativeMenu) override {}
+};
+
+int ExportHelp(const std::vector<std::wstring>& argv) {
+  Options options;
+  std::string error;
+  if (!ParseOptions(argv, {"--display", "--codepage"}, {}, options, error)) return UsageError("export-help", error);
+  if (options.help) return Out(kCommandHelp.at("export-help")), 0;
+  if (options.args.size() != 1) return UsageError("export-help", "give the installation folder");
+  Tools tools;
+  if (!tools.Init(options, error)) return UsageError("export-help", error);
+  MemoryRegistry registry;
+  registry.WriteString(kProductKey, L"Path", options.args[0]);
+  cNarrixInfo info(registry, L"");
+  info.Inicialize(nullptr);
+  auto apps = ListSubfolders(info.DirSet());
+  if (!apps) {
+    Err("nxmenu: " + U8(options.args[0]) + ": not an installation (no Set folder)\n");
+    return 1;
+  }
+  // The list's order: the general menu, then the folders ignoring case.
+  std::stable_sort(apps->begin(), apps->end(),
+                   [](const std::wstring& a, const std::wstring& b) { return UpperCase(a) < UpperCase(b); });
+  gBrailleName = Value(options, "--display");
+  cDefServer defs(*tools.page, *tools.profile, L"");
+  NoMenus menus;
+  std::unique_ptr<IBrailleDisplay> braille;
+  MenuListing listing(MenuEditorServices{info, defs, *tools.profile, menus, braille, nullptr, nullptr});
+  const std::wstring general = LoadResText(504);
+  std::wstring text = listing.ListDefs(info.DirSet(), general, true);
+  for (const auto& app : *apps) text += listing.ListDefs(info.DirSet(), app, false);
+  const std::wstring page = HelpPagePath(info);
+  switch (UpdateHelpPage(page, text, *tools.page)) {
+    case HelpPageResult::Updated:
+      Out(ToFsPath(page).u8string() + "\n");
+      return 0;
+    case HelpPageResult::NoStartMarker:
+      Err("nxmenu: " + U8(page) + ": no '" + kHelpStartMarker + "' line; nothing exported\n");
+      return 1;
+    case HelpPageResult::Unreadable:
+      Err("nxmenu: " + U8(page) + ": no such help page, or it cannot be read\n");
+      return 1;
+    case HelpPageResult::Unwritable:
+      Err("nxmenu: " + U8(page) + ": cannot be written; the page is unchanged\n");
+      return 1;
+  }
+  return 1;
+}
+
 int Main(const std::vector<std::wstring>& args) {
   if (args.empty()) return UsageError("", "no command");
   const std::string command = U8(args[0]);
@@ -412,6 +483,7 @@ int Main(const std::vector<std::wstring>& args) {
   if (command == "from-json") return FromJson(rest);
   if (command == "check") return Check(rest);
   if (command == "format-key") return FormatKey(rest);
+  if (command == "export-help") return ExportHelp(rest);
   return UsageError("", "unknown command " + command);
 }
 

@@ -267,6 +267,9 @@ std::wstring fMenuDef::ListDefs(const std::wstring& menuDir, const std::wstring&
   defs.ItemCounter = IdBase();
   root_ = defs.InitCommandDef(MenuPath(), BraillePath());
   CaptionRoot();
+  // Each application's buttons by the names of its own display profile, as
+  // the editor shows them, not the last opened menu's.
+  if (!gBrailleName.empty()) defs.InitBrailleKeyMap(BraillePath());
   view_.ClearTree();
   if (!root_) return {};
   std::wstring text = L"\r\n";  // the root: no list entry of its own

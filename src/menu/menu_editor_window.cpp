@@ -304,4 +304,8 @@ void MenuEditorLauncher::EditMenu(const std::wstring& dirSet, const std::wstring
   window.RunModal();
 }
 
+std::wstring MenuEditorLauncher::ListDefs(const std::wstring& dirSet, const std::wstring& appName, bool general) {
+  return MenuListing(services_).ListDefs(dirSet, appName, general);
+}
+
 }  // namespace nx

@@ -12,6 +12,7 @@
 
 #include "applist/app_select.h"
 #include "menu/menu_editor.h"
+#include "menu/menu_listing.h"
 #include "platform/win32_modal_dialog.h"
 #include "platform/win32_prompts.h"
 
@@ -72,6 +73,8 @@ class MenuEditorLauncher final : public IMenuEditorEntry {
       : instance_(instance), services_(std::move(services)), owner_(owner) {}
   void SetOwner(HWND owner) { owner_ = owner; }
   void EditMenu(const std::wstring& dirSet, const std::wstring& appName, bool general) override;
+  // Lists the menu without a window.
+  std::wstring ListDefs(const std::wstring& dirSet, const std::wstring& appName, bool general) override;
 
  private:
   HINSTANCE instance_;

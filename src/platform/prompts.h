@@ -37,6 +37,14 @@ class IPrompts {
     (void)folder;
     return std::nullopt;
   }
+  // Asks for one line of text: `label` names the field, `value` is offered
+  // selected. "" when cancelled.
+  virtual std::wstring InputBox(const std::wstring& label, const std::wstring& title, const std::wstring& value) {
+    (void)label;
+    (void)title;
+    (void)value;
+    return {};
+  }
 };
 
 // Starting programs, as the wizard's Open and Form buttons do.

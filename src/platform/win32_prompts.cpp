@@ -2,6 +2,9 @@
 
 #include <commdlg.h>
 
+#include "resource.h"
+#include "startup/string_table.h"
+
 namespace nx {
 
 int Win32Prompts::Message(const std::wstring& text, unsigned style, const std::wstring& title) {
@@ -27,6 +30,60 @@ std::optional<std::wstring> Win32Prompts::OpenFile(const std::wstring& filter, c
   dialog.Flags = OFN_FILEMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
   if (!GetOpenFileNameW(&dialog)) return std::nullopt;
   return std::wstring(file);
+}
+
+namespace {
+
+struct InputRequest {
+  const std::wstring& label;
+  const std::wstring& title;
+  const std::wstring& value;
+  std::wstring answer;
+};
+
+INT_PTR CALLBACK InputBoxProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+  constexpr int kOk = 100, kCancel = 101;
+  switch (message) {
+    case WM_INITDIALOG: {
+      auto* request = reinterpret_cast<InputRequest*>(lParam);
+      SetWindowLongPtrW(dialog, DWLP_USER, lParam);
+      SetWindowTextW(dialog, request->title.c_str());
+      SetDlgItemTextW(dialog, IDC_INPUT_LABEL, request->label.c_str());
+      SetDlgItemTextW(dialog, IDC_INPUT_TEXT, request->value.c_str());
+      SetDlgItemTextW(dialog, IDOK, LoadResText(kOk).c_str());
+      SetDlgItemTextW(dialog, IDCANCEL, LoadResText(kCancel).c_str());
+      // The proposed text is selected, so typing replaces it.
+      SendDlgItemMessageW(dialog, IDC_INPUT_TEXT, EM_SETSEL, 0, -1);
+      SetFocus(GetDlgItem(dialog, IDC_INPUT_TEXT));
+      return FALSE;
+    }
+    case WM_COMMAND:
+      if (LOWORD(wParam) == IDOK) {
+        auto* request = reinterpret_cast<InputRequest*>(GetWindowLongPtrW(dialog, DWLP_USER));
+        const int length = GetWindowTextLengthW(GetDlgItem(dialog, IDC_INPUT_TEXT));
+        request->answer.assign(static_cast<size_t>(length) + 1, L'\0');
+        GetDlgItemTextW(dialog, IDC_INPUT_TEXT, request->answer.data(), length + 1);
+        request->answer.resize(static_cast<size_t>(length));
+        EndDialog(dialog, IDOK);
+        return TRUE;
+      }
+      if (LOWORD(wParam) == IDCANCEL) {
+        EndDialog(dialog, IDCANCEL);
+        return TRUE;
+      }
+      return FALSE;
+    default:
+      return FALSE;
+  }
+}
+
+}  // namespace
+
+std::wstring Win32Prompts::InputBox(const std::wstring& label, const std::wstring& title, const std::wstring& value) {
+  InputRequest request{label, title, value, {}};
+  const INT_PTR result = DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_INPUTBOX), owner_,
+                                         InputBoxProc, reinterpret_cast<LPARAM>(&request));
+  return result == IDOK ? request.answer : std::wstring();
 }
 
 }  // namespace nx

@@ -13,6 +13,8 @@ class Win32Prompts final : public IPrompts {
   void SetOwner(HWND owner) { owner_ = owner; }
   int Message(const std::wstring& text, unsigned style, const std::wstring& title) override;
   std::optional<std::wstring> OpenFile(const std::wstring& filter, const std::wstring& folder) override;
+  // A small dialog of the program's own (Windows has no ready input box).
+  std::wstring InputBox(const std::wstring& label, const std::wstring& title, const std::wstring& value) override;
 
  private:
   HWND owner_;

@@ -14,6 +14,7 @@
 #include "platform/win32_native_menus.h"
 #include "platform/win32_profile.h"
 #include "platform/win32_registry.h"
+#include "platform/win32_running_apps.h"
 #include "wizard/wizard_window.h"
 #include "startup/command_line.h"
 #include "startup/file_helpers.h"
@@ -71,7 +72,10 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int) {
   std::unique_ptr<nx::IBrailleDisplay> braille;
   nx::MenuEditorLauncher editor(instance,
                                 nx::MenuEditorServices{info, defs, profile, menus, braille, &brailleOpener, &wizard});
-  nx::AppSelectWindow window(instance, info, &editor);
+  nx::FileSystemFolderOps folders;
+  nx::Win32RunningApps runningApps;
+  const nx::ICodePage& codePage = nx::SystemCodePage();
+  nx::AppSelectWindow window(instance, info, &editor, nx::AppListPorts{&folders, &runningApps, &codePage});
   if (!window.Create()) return 1;
   editor.SetOwner(window.Handle());
   window.Show();

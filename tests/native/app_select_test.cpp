@@ -74,6 +74,9 @@ struct EditorSpy : IMenuEditorEntry {
   void EditMenu(const std::wstring& dirSet, const std::wstring& name, bool general) override {
     calls.push_back({dirSet, name, general});
   }
+  std::wstring ListDefs(const std::wstring&, const std::wstring& name, bool general) override {
+    return L"<H3>" + name + (general ? L" general" : L"") + L"</H3>\r\n";
+  }
 };
 
 class AppSelectTest : public ::testing::Test {

@@ -115,6 +115,37 @@ TEST(Nxmenu, ProblemsAndExitCodes) {
   EXPECT_NE(dumpCut.out.find("\"complete\": false"), std::string::npos) << dumpCut.out;
 }
 
+TEST(Nxmenu, ExportHelpRewritesOnlyTheMarkedSection) {
+  test::TempFolder dir;
+  std::filesystem::copy(kDemo, dir.Fs(), std::filesystem::copy_options::recursive);
+  const auto page = dir.Fs() / "help" / "narrix" / "hotkey.htm";
+  const std::string before = test::TempFolder::ReadPath(page);
+  const std::string root = Q(dir.Fs());
+  CliRun run = Nxmenu("export-help " + root + " --display 'Focus 40'");
+  ASSERT_EQ(run.status, 0) << run.out;
+  EXPECT_NE(run.out.find("hotkey.htm"), std::string::npos);
+  const std::string once = test::TempFolder::ReadPath(page);
+  // The page's own text around the markers stays; the general menu comes
+  // first; each application's braille buttons use its own profile's names.
+  EXPECT_EQ(once.substr(0, once.find("<!-- app hotkey start -->")),
+            before.substr(0, before.find("<!-- app hotkey start -->")));
+  EXPECT_EQ(once.substr(once.find("<!-- app hotkey end -->")), before.substr(before.find("<!-- app hotkey end -->")));
+  EXPECT_LT(once.find("<H3>(Narrix)</H3>"), once.find("<H3>excel</H3>"));
+  EXPECT_NE(once.find("<LI>Word count ( [Dot 2+Dot 4+Space] ) </LI>"), std::string::npos) << once;
+  ASSERT_EQ(Nxmenu("export-help " + root + " --display 'Focus 40'").status, 0);
+  EXPECT_EQ(test::TempFolder::ReadPath(page), once);
+
+  dir.Write(L"help\\narrix\\hotkey.htm", "<p>no markers</p>\n");
+  run = Nxmenu("export-help " + root);
+  EXPECT_EQ(run.status, 1);
+  EXPECT_NE(run.out.find("no '<!-- app hotkey start -->' line"), std::string::npos) << run.out;
+  std::filesystem::remove(page);
+  run = Nxmenu("export-help " + root);
+  EXPECT_EQ(run.status, 1);
+  EXPECT_NE(run.out.find("no such help page"), std::string::npos) << run.out;
+  EXPECT_FALSE(std::filesystem::exists(page));
+}
+
 TEST(Nxmenu, CodePages) {
   test::TempFolder dir;
   dir.Write(L"cz.json", R"({"items": [{"caption": "Žluťoučký kůň", "action": "SayLine"}]})");

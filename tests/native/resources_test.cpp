@@ -59,7 +59,8 @@ wchar_t AccessKey(const std::wstring& caption) {
 
 // The string-table texts each window puts on its controls when it loads.
 const std::map<std::string, std::vector<int>> kCaptionIds = {
-    {"IDD_APPSELECT", {502, 503, 101}},
+    {"IDD_APPSELECT", {502, 503, 101, 657, 658, 659, 660}},
+    {"IDD_INPUTBOX", {650, 100, 101}},
     // The menu bar's entries count too: Alt and their letter open them.
     {"IDD_MENUDEF", {602, 603, 604, 605, 100, 101, 608, 617, 640}},
 };
