@@ -128,7 +128,10 @@ std::optional<std::wstring> fAppSelect::SelectedApp(bool refuseGeneral) {
   if (ended_ || index < 0) return std::nullopt;
   const std::wstring name = view_.ListEntry(index);
   if (name != LoadResText(kGeneralMenu)) return name;
-  if (refuseGeneral) Tell(LoadResText(kGeneralFixed, name), mb::kIconExclamation);
+  if (refuseGeneral) {
+    Tell(LoadResText(kGeneralFixed, name), mb::kIconExclamation);
+    view_.FocusList();
+  }
   return std::nullopt;
 }
 
@@ -202,11 +205,13 @@ void fAppSelect::cmdAddVer_Click() {
   const std::wstring version = ports_.apps->GetRunningAppVersion(name);
   if (version.empty()) {
     Tell(kCannotDo, mb::kIconCritical);
+    view_.FocusList();
     return;
   }
   const std::wstring copy = JoinPath(info_.DirSet(), name + L"_ver." + version);
   if (ports_.folders->FolderExists(copy)) {
     Tell(kFolderExists, mb::kIconCritical);
+    view_.FocusList();
     return;
   }
   ports_.folders->CopyFolder(JoinPath(info_.DirSet(), name), copy);
@@ -225,6 +230,7 @@ void fAppSelect::cmdExport_Click() {
   const HelpPageResult result = UpdateHelpPage(page, text, *ports_.codePage);
   if (result == HelpPageResult::Updated || result == HelpPageResult::NoStartMarker)
     Tell(kHelpUpdated + page, mb::kIconInformation);
+  view_.FocusList();
 }
 
 bool fAppSelect::Form_KeyDown(int key) {
