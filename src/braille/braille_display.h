@@ -1,6 +1,6 @@
 // The braille display as the menu editor and the wizard see it: opened once,
 // described by the display itself, and reporting its buttons to whoever
-// listens. NoBrailleDisplay stands for a display that is not there.
+// listens.
 #pragma once
 
 #include <cstdint>
@@ -31,15 +31,6 @@ class IBrailleDisplay {
   virtual std::wstring GetInfo() const = 0;
   // Who hears the buttons from now on; null: nobody. Not owned.
   virtual void SetEvents(IBrailleEvents* events) = 0;
-};
-
-class NoBrailleDisplay final : public IBrailleDisplay {
- public:
-  bool Initialize() override { return false; }
-  bool isValid() const override { return false; }
-  std::wstring BrailleDescription() const override { return {}; }
-  std::wstring GetInfo() const override { return {}; }
-  void SetEvents(IBrailleEvents*) override {}
 };
 
 // Makes a new display object and opens it when the settings allow. The

@@ -6,7 +6,6 @@
 #include "platform/text.h"
 #include "startup/command_line.h"
 #include "startup/file_helpers.h"
-#include "startup/settings.h"
 #include "startup/string_table.h"
 
 namespace nx {
