@@ -6,9 +6,10 @@
 # stopped; the copy is renamed through the input box (a bad name refused
 # first), removed with Delete (No, the default, first); Export writes the
 # help page, and a second export leaves it byte for byte the same.
-# Usage: app_folders_test.sh BIN_DIR DEMO_DIR WORK_DIR
+# In Czech the buttons have their Czech access keys.
+# Usage: app_folders_test.sh BIN_DIR DEMO_DIR WORK_DIR english|czech
 set -u
-BIN=$(cd "$1" && pwd); DEMO=$(cd "$2" && pwd); WORK=$3
+BIN=$(cd "$1" && pwd); DEMO=$(cd "$2" && pwd); WORK=$3; CASE=$4
 HERE=$(cd "$(dirname "$0")" && pwd)
 source "$HERE/../../scripts/wine-session.sh"
 
@@ -18,6 +19,14 @@ cp "$BIN/versioned_app.exe" "$WORK/apps/winword.exe"
 set_dir="$WORK/install/Set"
 page="$WORK/install/help/narrix/hotkey.htm"
 title="Narrix - Screen Reader"
+if [ "$CASE" = czech ]; then
+  export LC_ALL=cs_CZ.UTF-8 2>/dev/null
+  list_title="Úprava nabídky"; rename=alt+p; add=alt+v; export_key=alt+e; yes=a
+  bad_name='text: Název "a/b" nemůže být názvem složky'
+else
+  list_title="Menu modification"; rename=alt+r; add=alt+a; export_key=alt+x; yes=y
+  bad_name='text: The name "a/b" cannot be a folder name'
+fi
 failures=0
 fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
 title_arg() {  # a title as nxprobe takes it, whatever the language
@@ -30,7 +39,7 @@ expect() {  # what, probe command, title, text the output holds
   local got; got=$(probe "$2" "$3")
   grep -qF -- "$4" <<<"$got" || { fail "$1: no '$4' in"; sed 's/^/    /' <<<"$got"; }
 }
-entries() { probe list "Menu modification" | grep -E '^(entry|selected|focus):' | tr '\n' ' '; }
+entries() { probe list "$list_title" | grep -E '^(entry|selected|focus):' | tr '\n' ' '; }
 press() { sleep 0.6; xdotool key "$@"; }
 wait_for() {  # a folder to appear (1) or go (0)
   for _ in $(seq 1 50); do
@@ -43,6 +52,7 @@ wait_for() {  # a folder to appear (1) or go (0)
 nx_session_start "$WORK" || exit 1
 nx_set_install "$WORK/install"
 wine "$WORK/apps/winword.exe" 600 >/dev/null 2>&1 &
+word_pid=$!
 wine "$BIN/narrixmenu.exe" >"$WORK/program.log" 2>&1 &
 pid=$!
 
@@ -51,30 +61,30 @@ got=$(entries)
   fail "the list at the start: $got"
 
 # Add version, with the word processor running.
-press End; press alt+a
+press End; press "$add"
 wait_for 1 "$set_dir/winword_ver.11.0.6568" || fail "no version folder"
 cmp -s "$set_dir/winword/Command.mnu" "$set_dir/winword_ver.11.0.6568/Command.mnu" || fail "the menu was not copied"
 got=$(entries)
 [ "$got" = "entry: (Narrix) entry: excel entry: notepad entry: winword entry: winword_ver.11.0.6568 selected: 3 focus: 1003 " ] ||
   fail "the list after Add version: $got"
-press alt+a
+press "$add"
 expect "a second time" message "$title" "text: Složka již existuje."
 press Return
 timeout 30 wine taskkill /f /im winword.exe >/dev/null 2>&1
-sleep 1
-press alt+a
+nx_wait_exit "$word_pid" 20 || fail "the word processor did not stop"
+press "$add"
 expect "with the word processor stopped" message "$title" "text: Nelze provést."
 press Return
 
 # Rename the copy: a bad name first, then a good one.
-press End; press alt+r
+press End; press "$rename"
 expect "the input box" visible "Přejmenovat" "1502 Edit winword_ver.11.0.6568"
 sleep 0.6; xdotool type --delay 60 "a/b"
 press Return
-expect "a bad name" message "$title" 'text: The name "a/b" cannot be a folder name'
+expect "a bad name" message "$title" "$bad_name"
 press Return
 [ -d "$set_dir/winword_ver.11.0.6568" ] || fail "a refused name moved the folder"
-press alt+r
+press "$rename"
 expect "the input box again" visible "Přejmenovat" "1502 Edit winword_ver.11.0.6568"
 sleep 0.6; xdotool type --delay 60 "word 2003"
 press Return
@@ -92,16 +102,16 @@ sleep 1
 [ -d "$set_dir/word 2003" ] || fail "Enter (No) removed the folder"
 press Delete
 expect "the question again" message "$title" "text: Smazat nabídku word 2003 ?"
-press y
+press "$yes"
 wait_for 0 "$set_dir/word 2003" || fail "Yes did not remove the folder"
 
 # Export, twice.
-press alt+x
+press "$export_key"
 expect "the export" message "$title" "text: Nápověda aktualizována v souboru $(nx_winpath "$page")"
 press Return
 grep -q '<H3>(Narrix)</H3>' "$page" && grep -q '<H3>winword</H3>' "$page" || fail "the help page has no menus"
 cp "$page" "$WORK/first.htm"
-press alt+x
+press "$export_key"
 expect "the second export" message "$title" "text: Nápověda aktualizována"
 press Return
 sleep 1
