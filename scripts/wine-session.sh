@@ -3,6 +3,7 @@
 #   nx_session_start WORKDIR   own Wine prefix in WORKDIR/prefix, own Xvfb display
 #   nx_set_install DIR          points the registry at a screen-reader installation
 #   nx_session_stop             ends every process of this prefix and the display
+#   nx_probe, nx_title_arg      run a probe program, pass it a window title
 # Each session cleans up what it started, also when the caller fails.
 
 nx_session_start() {
@@ -76,4 +77,12 @@ nx_probe() {
     [ -n "$out" ] && break
   done
   printf '%s\n' "$out"
+}
+
+# A window title as nxprobe takes it, whatever the language: in a UTF-8 file
+# named "@Z:\..." (Wine would pass non-ASCII arguments in the ANSI code page).
+nx_title_arg() {
+  local file="$NX_WORK/title-$RANDOM.txt"
+  printf '%s\n' "$1" >"$file"
+  echo "@$(nx_winpath "$file")"
 }

@@ -418,15 +418,6 @@ int FormatKey(const std::vector<std::wstring>& argv) {
   return 0;
 }
 
-// Menus are listed without a window: the pop-up menus and the braille
-// display are never needed.
-struct NoMenus final : INativeMenus {
-  NativeMenu CreatePopup() override { return 0; }
-  void AppendPopup(NativeMenu, NativeMenu, const std::wstring&) override {}
-  void AppendCommand(NativeMenu, int, const std::wstring&) override {}
-  void Destroy(NativeMenu) override {}
-};
-
 int ExportHelp(const std::vector<std::wstring>& argv) {
   Options options;
   std::string error;
@@ -449,9 +440,7 @@ int ExportHelp(const std::vector<std::wstring>& argv) {
                    [](const std::wstring& a, const std::wstring& b) { return UpperCase(a) < UpperCase(b); });
   gBrailleName = Value(options, "--display");
   cDefServer defs(*tools.page, *tools.profile, L"");
-  NoMenus menus;
-  std::unique_ptr<IBrailleDisplay> braille;
-  MenuListing listing(MenuEditorServices{info, defs, *tools.profile, menus, braille, nullptr, nullptr});
+  MenuListing listing(info, defs, *tools.profile);
   const std::wstring general = LoadResText(504);
   std::wstring text = listing.ListDefs(info.DirSet(), general, true);
   for (const auto& app : *apps) text += listing.ListDefs(info.DirSet(), app, false);

@@ -305,7 +305,7 @@ void MenuEditorLauncher::EditMenu(const std::wstring& dirSet, const std::wstring
 }
 
 std::wstring MenuEditorLauncher::ListDefs(const std::wstring& dirSet, const std::wstring& appName, bool general) {
-  return MenuListing(services_).ListDefs(dirSet, appName, general);
+  return MenuListing(services_.info, services_.defs, services_.profile).ListDefs(dirSet, appName, general);
 }
 
 }  // namespace nx

@@ -2,10 +2,12 @@
 
 namespace nx {
 
-MenuListing::MenuListing(MenuEditorServices services) : services_(services), editor_(view_, prompts_, services) {}
+MenuListing::MenuListing(cNarrixInfo& info, cDefServer& defs, IProfile& profile)
+    : defs_(defs),
+      editor_(view_, prompts_, MenuEditorServices{info, defs, profile, menus_, braille_, nullptr, nullptr}) {}
 
 std::wstring MenuListing::ListDefs(const std::wstring& dirSet, const std::wstring& appName, bool general) {
-  services_.defs.SetFolder(dirSet + L"\\");
+  defs_.SetFolder(dirSet + L"\\");
   return editor_.ListDefs(dirSet, appName, general);
 }
 

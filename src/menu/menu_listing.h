@@ -2,6 +2,7 @@
 // logic over a view that shows nothing and asks nothing.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "menu/menu_editor.h"
@@ -10,8 +11,8 @@ namespace nx {
 
 class MenuListing {
  public:
-  // The services must outlive the listing; menus and braille are not used.
-  explicit MenuListing(MenuEditorServices services);
+  // All three must outlive the listing.
+  MenuListing(cNarrixInfo& info, cDefServer& defs, IProfile& profile);
 
   // The menu of `appName` in `dirSet` (or the general menu) as its help
   // section; "" when it has no menu.
@@ -43,8 +44,18 @@ class MenuListing {
    public:
     int Message(const std::wstring&, unsigned, const std::wstring&) override { return mb::kIdCancel; }
   };
+  // A listing shows no preview and opens no display.
+  class NoMenus final : public INativeMenus {
+   public:
+    NativeMenu CreatePopup() override { return 0; }
+    void AppendPopup(NativeMenu, NativeMenu, const std::wstring&) override {}
+    void AppendCommand(NativeMenu, int, const std::wstring&) override {}
+    void Destroy(NativeMenu) override {}
+  };
 
-  MenuEditorServices services_;
+  cDefServer& defs_;
+  NoMenus menus_;
+  std::unique_ptr<IBrailleDisplay> braille_;
   NoView view_;
   NoPrompts prompts_;
   fMenuDef editor_;

@@ -67,13 +67,6 @@ const fs::path& Installation(int apps) {
 
 std::wstring Wide(const fs::path& path) { return path.wstring(); }
 
-struct NoMenus final : nx::INativeMenus {
-  nx::NativeMenu CreatePopup() override { return 0; }
-  void AppendPopup(nx::NativeMenu, nx::NativeMenu, const std::wstring&) override {}
-  void AppendCommand(nx::NativeMenu, int, const std::wstring&) override {}
-  void Destroy(nx::NativeMenu) override {}
-};
-
 // The export as the Export button does it: every menu listed, the page
 // rewritten.
 void BM_Export(benchmark::State& state) {
@@ -85,9 +78,7 @@ void BM_Export(benchmark::State& state) {
   info.Inicialize(nullptr);
   nx::PortableProfile profile(kPage);
   nx::cDefServer defs(kPage, profile, L"");
-  NoMenus menus;
-  std::unique_ptr<nx::IBrailleDisplay> braille;
-  nx::MenuListing listing(nx::MenuEditorServices{info, defs, profile, menus, braille, nullptr, nullptr});
+  nx::MenuListing listing(info, defs, profile);
   const auto names = *nx::ListSubfolders(info.DirSet());
   for (auto _ : state) {
     std::wstring text = listing.ListDefs(info.DirSet(), L"(Narrix)", true);

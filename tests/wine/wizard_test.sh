@@ -27,12 +27,7 @@ else
 fi
 failures=0
 fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
-title_arg() {  # a title as nxprobe takes it, whatever the language
-  local file="$WORK/title-$RANDOM.txt"
-  printf '%s\n' "$1" >"$file"
-  echo "@$(nx_winpath "$file")"
-}
-probe() { nx_probe "$BIN/nxprobe.exe" "$1" "$(title_arg "$2")" 20000; }
+probe() { nx_probe "$BIN/nxprobe.exe" "$1" "$(nx_title_arg "$2")" 20000; }
 expect_line() {  # what, probe command, title, line
   local got; got=$(probe "$2" "$3")
   grep -qxF -- "$4" <<<"$got" || { fail "$1: no '$4' in"; sed 's/^/    /' <<<"$got"; }
