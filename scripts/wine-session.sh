@@ -26,7 +26,13 @@ nx_session_start() {
   fi
   trap nx_session_stop EXIT
   if [ ! -f "$WINEPREFIX/system.reg" ]; then
-    timeout 120 wineboot -i >"$NX_WORK/wineboot.log" 2>&1 || { echo "wineboot failed" >&2; return 1; }
+    # On a busy machine Wine now and then fails to start one of the set-up
+    # programs; a new prefix made from scratch a second time succeeds.
+    if ! timeout 120 wineboot -i >"$NX_WORK/wineboot.log" 2>&1; then
+      timeout 30 wineserver -k >/dev/null 2>&1
+      rm -rf "$WINEPREFIX"
+      timeout 120 wineboot -i >>"$NX_WORK/wineboot.log" 2>&1 || { echo "wineboot failed" >&2; return 1; }
+    fi
   fi
 }
 
