@@ -28,8 +28,11 @@ win: setup native
 	  -DNX_DEMO_DIR=$(abspath $(NATIVE)/demo) -DNX_NATIVE_NXMENU=$(abspath $(NATIVE)/bin/nxmenu)
 	cmake --build $(WIN) -j $(JOBS)
 
+# ARGS reaches the program through the environment, untouched by make and the
+# shell: a script path such as notepad*$(appsetdir)\hello.vbs keeps its text.
+run: export NX_RUN_ARGS = $(value ARGS)
 run: win
-	bash scripts/run.sh $(WIN)/bin $(NATIVE)/demo $(BUILD)/demo/Narrix $(BUILD)/wine $(ARGS)
+	bash scripts/run.sh $(WIN)/bin $(NATIVE)/demo $(BUILD)/demo/Narrix $(BUILD)/wine
 
 test: test-native test-asan test-wine
 

@@ -1,11 +1,17 @@
 #!/usr/bin/env bash
 # make run: narrixmenu.exe under Wine on the demo installation.
 # Usage: run.sh BIN_DIR DEMO_SOURCE INSTALL_DIR WINE_WORK [PROGRAM ARGUMENTS...]
+# The program's arguments may instead come in NX_RUN_ARGS as one text, which is
+# split at blanks only (no globbing, backslashes and $ kept).
 # The installation is a writable copy of the demo (files already there are
 # kept, so menus edited in it survive the next run). Without $DISPLAY a
 # virtual screen is started and a screenshot saved beside the installation.
 set -u
 BIN=$(cd "$1" && pwd); DEMO=$2; INSTALL=$3; WORK=$4; shift 4
+if [ -n "${NX_RUN_ARGS:-}" ]; then
+  read -r -a words <<<"$NX_RUN_ARGS"
+  set -- "$@" "${words[@]}"
+fi
 HERE=$(cd "$(dirname "$0")" && pwd)
 source "$HERE/wine-session.sh"
 
@@ -30,7 +36,12 @@ fi
 
 wine "$BIN/narrixmenu.exe" "$@" >"$WORK/program.log" 2>&1 &
 pid=$!
-wine "$BIN/nxprobe.exe" list "Menu modification" 30000 >/dev/null 2>&1 || sleep 3
+# The list's title in English or, under a Czech or Slovak locale, in Czech.
+czech=$(nx_title_arg "Úprava nabídky")
+for _ in $(seq 1 15); do
+  wine "$BIN/nxprobe.exe" list "Menu modification" 1000 >/dev/null 2>&1 && break
+  wine "$BIN/nxprobe.exe" list "$czech" 1000 >/dev/null 2>&1 && break
+done
 shot="$(dirname "$INSTALL")/run-screenshot.png"
 import -window root "$shot" && echo "Screenshot: $shot"
 limit=${NX_RUN_SECONDS:-120}

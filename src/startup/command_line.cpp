@@ -9,7 +9,15 @@ std::wstring gCmdDisplayName;
 
 CommandLineRequest ParseCommandLine(const std::wstring& arguments) {
   CommandLineRequest request;
-  std::wstring rest = TrimSpaces(arguments);
+  // Quotes only hold words together on a Windows command line (a shortcut or
+  // a console quotes a path with blanks); no folder, file or display name can
+  // contain one, so they are dropped wherever they stand.
+  std::wstring unquoted;
+  unquoted.reserve(arguments.size());
+  for (wchar_t c : arguments) {
+    if (c != L'"') unquoted += c;
+  }
+  std::wstring rest = TrimSpaces(unquoted);
   const size_t slash = rest.find(L'/');
   if (slash != std::wstring::npos) {
     request.displayName = TrimSpaces(rest.substr(slash + 1));

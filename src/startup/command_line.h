@@ -19,7 +19,7 @@ struct CommandLineRequest {
 };
 
 // Splits the arguments: "/" first (the display name is everything after the
-// first "/"), then "*" in what comes before it.
+// first "/"), then "*" in what comes before it. Double quotes are dropped.
 CommandLineRequest ParseCommandLine(const std::wstring& arguments);
 
 // The arguments part of a full Windows command line: what follows the

@@ -108,6 +108,7 @@ TEST_F(NarrixInfoTest, RegistryValuesWin) {
   EXPECT_FALSE(info_.SRflag());
   EXPECT_FALSE(info_.ExitDirect());
   EXPECT_EQ(info_.GetLogFilter(), 0xFFu & ~kLogKey);
+  EXPECT_EQ(gLogFlags, 0xFFu & ~kLogKey);
 
   reg_.WriteString(kMakerKey, L"ExitDirect", L"1");
   info_.Inicialize(&form);
@@ -174,6 +175,8 @@ TEST(CommandLine, Splitting) {
       {L"excel * D:\\x.vbs", L"excel", L"D:\\x.vbs", std::nullopt},
       {L"a/b/c", L"a", std::nullopt, L"b/c"},
       {L"", L"", std::nullopt, std::nullopt},
+      {L"\"notepad*$(appsetdir)\\hello.vbs\"", L"notepad", L"$(appsetdir)\\hello.vbs", std::nullopt},
+      {L"notepad*\"C:\\My Scripts\\a.vbs\" / \"Focus 40\"", L"notepad", L"C:\\My Scripts\\a.vbs", L"Focus 40"},
   };
   for (const auto& c : cases) {
     const CommandLineRequest r = ParseCommandLine(c.args);
