@@ -5,6 +5,9 @@ set -u -o pipefail
 BIN=$(cd "$1" && pwd); DEMO=$(cd "$2" && pwd); WORK=$3; OUT=$4
 HERE=$(cd "$(dirname "$0")" && pwd)
 source "$HERE/wine-session.sh"
+# The README shows the English texts, whatever this machine's language.
+unset LANGUAGE LC_MESSAGES
+export LC_ALL=C.UTF-8
 rm -rf "$WORK"; mkdir -p "$WORK" "$OUT"
 cp -r "$DEMO" "$WORK/install"
 nx_session_start "$WORK" || exit 1
