@@ -21,6 +21,7 @@
 #include "defs/def_text.h"
 #include "menu/menu_editor.h"
 #include "menu/menu_listing.h"
+#include "platform/list_order.h"
 #include "platform/code_page.h"
 #include "platform/folders.h"
 #include "platform/profile.h"
@@ -435,9 +436,8 @@ int ExportHelp(const std::vector<std::wstring>& argv) {
     Err("nxmenu: " + U8(options.args[0]) + ": not an installation (no Set folder)\n");
     return 1;
   }
-  // The list's order: the general menu, then the folders ignoring case.
-  std::stable_sort(apps->begin(), apps->end(),
-                   [](const std::wstring& a, const std::wstring& b) { return UpperCase(a) < UpperCase(b); });
+  // The application list's order: the general menu, then the folders as the list box sorts them.
+  std::stable_sort(apps->begin(), apps->end(), ListOrderLess);
   gBrailleName = Value(options, "--display");
   cDefServer defs(*tools.page, *tools.profile, L"");
   MenuListing listing(info, defs, *tools.profile);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "applist/app_select.h"
+#include "platform/list_order.h"
 #include "platform/folders.h"
 #include "platform/text.h"
 #include "startup/command_line.h"
@@ -31,9 +32,7 @@ class FakeView : public IAppSelectView {
     selected = -1;
   }
   void AddListEntry(const std::wstring& text) override {
-    auto at = std::upper_bound(entries.begin(), entries.end(), text, [](const std::wstring& a, const std::wstring& b) {
-      return UpperCase(a) < UpperCase(b);
-    });
+    auto at = std::upper_bound(entries.begin(), entries.end(), text, ListOrderLess);
     entries.insert(at, text);
   }
   int ListCount() const override { return static_cast<int>(entries.size()); }

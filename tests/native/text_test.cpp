@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/code_page.h"
+#include "platform/list_order.h"
 #include "platform/text.h"
 
 namespace nx {
@@ -61,6 +62,27 @@ TEST(CodePage, KnownLetters) {
             "dky");
   EXPECT_EQ(west.ToWide("\x80\xE9\x9F"), L"€éŸ");
   EXPECT_EQ(west.ToAnsi(L"ř"), "?");
+}
+
+TEST(ListOrder, SortsAsTheListBox) {
+  const struct {
+    const wchar_t *first, *second;
+  } ordered[] = {
+      {L"(Narrix)", L"0calc"},                  // punctuation before digits
+      {L"9lives", L"acrobat"},                  // digits before letters
+      {L"excel", L"EXCEL2"},                    // case does not count, shorter first
+      {L"Notepad", L"winword"},                 //
+      {L"winword_ver.11.0", L"winwordviewer"},  // the underscore is punctuation
+      {L"\u010cte\u010dka", L"Dopis"},          // a letter with a caron beside its base letter
+      {L"coop", L"co-op"},                      // the hyphen only breaks a tie
+      {L"cota", L"co-ty"},                      //
+  };
+  for (const auto& o : ordered) {
+    EXPECT_TRUE(PortableListOrderLess(o.first, o.second)) << WideToUtf8(o.first) << " < " << WideToUtf8(o.second);
+    EXPECT_FALSE(PortableListOrderLess(o.second, o.first)) << WideToUtf8(o.second) << " < " << WideToUtf8(o.first);
+  }
+  EXPECT_FALSE(PortableListOrderLess(L"Excel", L"excel"));
+  EXPECT_FALSE(PortableListOrderLess(L"excel", L"Excel"));
 }
 
 }  // namespace
