@@ -10,6 +10,7 @@
 
 #include "platform/code_page.h"
 #include "platform/folders.h"
+#include "platform/list_order.h"
 #include "platform/profile.h"
 #include "platform/text.h"
 #include "menu/menu_item.h"
@@ -43,6 +44,8 @@ const char* const kFiles[] = {
     "[bad\r\nk=in bad\r\n[]\r\nk=in empty\r\n[ok]]\r\nk=odd\r\n",
     "[NoBreak]\r\nlast=at end",
     "",
+    // Letters outside ASCII at the same places in code pages 1250 and 1252.
+    "[Sk\xe1r\xe9]\r\nN\xe1zev=hodnota \xe9\xed \x8a\x9e\r\n\x8e\x9alut\xe9=k\xf9\r\nodd=x\x81y\r\n",
 };
 
 struct Query {
@@ -80,6 +83,13 @@ const Query kQueries[] = {
     {L"n", L"minus", L"d"},
     {L"section2", L"any", L"d"},
     {L"missing", L"k", L""},
+    // Spelt as in the file: Wine folds only ASCII letters when it compares
+    // names, while Windows promises case-insensitive names without limits and
+    // the portable reader folds every letter (tested natively).
+    {L"Sk\u00e1r\u00e9", L"N\u00e1zev", L"d"},
+    {L"Sk\u00e1r\u00e9", L"\u017d\u0161lut\u00e9", L"d"},
+    {L"Sk\u00e1r\u00e9", L"odd", L"d"},
+    {L"Sk\u00e1r\u00e9", L"", L"d"},
 };
 
 const wchar_t* const kIntKeys[] = {L"minus", L"plus",  L"wrap",   L"wrap1", L"trail", L"lead",
@@ -226,6 +236,43 @@ void NativeMenus() {
   Check(!IsMenu(last), "DestroyMenu destroys the pop-up");
 }
 
+// Names as they stand in an installation's Set folder.
+void ListOrder() {
+  const wchar_t* const names[] = {L"(Narrix)",
+                                  L"0calc",
+                                  L"9lives",
+                                  L"acrobat",
+                                  L"excel",
+                                  L"EXCEL2",
+                                  L"Excel",
+                                  L"notepad",
+                                  L"winword",
+                                  L"winword_ver.11.0",
+                                  L"winwordviewer",
+                                  L"co-op",
+                                  L"coop",
+                                  L"cota",
+                                  L"co-ty",
+                                  L"a b",
+                                  L"a.b",
+                                  L"ab",
+                                  L"\u00e1bc",
+                                  L"abd",
+                                  L"zz",
+                                  L"\u017ealm",
+                                  L"Zoo"};
+  // The portable order follows English rules; Czech puts letters with a caron
+  // after their base letter.
+  const bool english = PRIMARYLANGID(GetUserDefaultUILanguage()) == LANG_ENGLISH;
+  for (const wchar_t* a : names)
+    for (const wchar_t* b : names) {
+      if (!english && (std::wstring(a) == L"\u017ealm" || std::wstring(b) == L"\u017ealm")) continue;
+      const bool win = nx::ListOrderLess(a, b), portable = nx::PortableListOrderLess(a, b);
+      Check(win == portable, "list order " + nx::WideToUtf8(a) + " < " + nx::WideToUtf8(b) + ": Windows " +
+                                 std::to_string(win) + ", portable " + std::to_string(portable));
+    }
+}
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
@@ -239,6 +286,7 @@ int wmain(int argc, wchar_t** argv) {
   CodePages();
   StringTables();
   NativeMenus();
+  ListOrder();
   std::printf("%d passed, %d failed\n", passed, failed);
   return failed == 0 ? 0 : 1;
 }
