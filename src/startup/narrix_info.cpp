@@ -52,12 +52,15 @@ std::wstring cNarrixInfo::FileNameHelp(const std::wstring& topic) const {
   return JoinPath(dirVelkor_, ReplaceAll(Product(L"FileHelp", L"Help\\%1.htm"), L"%1", topic));
 }
 
+unsigned gLogFlags = 0;
+
 unsigned cNarrixInfo::GetLogFilter() const {
   static const wchar_t* const kNames[] = {L"LogFocus", L"LogKey",    L"LogText",   L"LogBmp",
                                           L"LogDef",   L"LogOkoExp", L"LogToFile", L"LogToDbgView"};
   unsigned flags = 0;
   for (unsigned i = 0; i < 8; ++i)
     if (GetRegBool(registry_, kProductKey, L"", kNames[i], true)) flags |= 1u << i;
+  gLogFlags = flags;
   return flags;
 }
 

@@ -10,6 +10,9 @@
 
 namespace nx {
 
+// The log filter last read by cNarrixInfo::GetLogFilter.
+extern unsigned gLogFlags;
+
 // Bits of the log filter, in the order of their registry values.
 enum LogFlag : unsigned {
   kLogFocus = 1u << 0,
@@ -66,6 +69,8 @@ class cNarrixInfo {
   std::wstring FileNameHelp(const std::wstring& topic) const;
 
   // Settings kept for the other programs of the screen reader.
+  // GetLogFilter also leaves its result in gLogFlags, where logging code of
+  // the whole program looks (bit i = LogFocus, LogKey, ... LogToDbgView).
   unsigned GetLogFilter() const;
   long LensBufferSize(const std::wstring& formName) const;
   long VideoBufferSize() const;
