@@ -80,7 +80,9 @@ void fWizard::SetMenuItem(cMenuItem* item) {
 
 // The page's contents come from the item first; the layout then adds what
 // the command line asks for (a script path makes a script item of a new
-// one), so that it is not overwritten by the item's empty command.
+// one), so that it is not overwritten by the item's empty command. Once a
+// command has been stored (Next on the command page), the user's choice
+// counts and the command line is not offered again.
 void fWizard::PageDisplay() {
   if (!item_ || page_ < 0 || page_ > 3) return;
   view_.EnableControl(WizardControl::Next, true);
@@ -123,10 +125,14 @@ void fWizard::PageLayout() {
   view_.EnableControl(WizardControl::Back, page_ > 0);
   switch (page_) {
     case 0:
+      // Back from a pull-down on the type page left "Finish" here, but only
+      // the type page can finish, so a screen reader would announce the wrong
+      // action.
+      view_.SetText(WizardControl::Next, LoadResText(kNext));
       view_.ShowPane(WizardPane::Name);
       break;
     case 1:
-      if (!gCmdScriptPath.empty()) {
+      if (OffersCommandLineScript()) {
         view_.SetKind(WizardKind::Script);
         Kind_Click(WizardKind::Script);
         view_.SetScriptPath(gCmdScriptPath);
@@ -138,7 +144,7 @@ void fWizard::PageLayout() {
       if (view_.Kind() == WizardKind::Command) {
         view_.ShowPane(WizardPane::Command);
       } else {
-        if (!gCmdScriptPath.empty()) {
+        if (OffersCommandLineScript()) {
           view_.SetScriptPath(gCmdScriptPath);
           txtScriptPath_Change(gCmdScriptPath);
         }
@@ -151,6 +157,8 @@ void fWizard::PageLayout() {
       break;
   }
 }
+
+bool fWizard::OffersCommandLineScript() const { return !gCmdScriptPath.empty() && item_->Action.empty(); }
 
 void fWizard::Move(int step) {
   view_.HideWindow();

@@ -147,6 +147,9 @@ class fWizard {
   void PageLayout();
   void PageDisplay();
   void Move(int step);
+  // The script path of the command line is offered until the item has a
+  // command of its own.
+  bool OffersCommandLineScript() const;
   void FillCommands();
   void FillScript();
   void FillHotKey();

@@ -118,7 +118,7 @@ class WizardTest : public ::testing::Test {
     gMenuDir = L"C:\\Narrix\\Set";
     gAppName = L"notepad";
     dir_.Write(L"gActions.def", "SayLine;reads the line\r\nSayTime;says the time\r\nBeep\r\n");
-    dir_.Write(L"gKeyCode.def", "13=Enter\r\n67=C\r\n74=J\r\n116=F5\r\n");
+    dir_.Write(L"gKeyCode.def", "13=Enter\r\n27=Esc\r\n67=C\r\n74=J\r\n116=F5\r\n121=F10\r\n");
     wizard_.Form_Load();
     wizard_.SetCaptionBase(L"New item");
     wizard_.LoadDefs(dir_.Path(L"gKeyCode.def"), dir_.Path(L"gActions.def"));
@@ -211,6 +211,7 @@ TEST_F(WizardTest, ScriptItemsAndTheCommandLinePath) {
   EXPECT_EQ(view_.kind, WizardKind::Script);  // the command line makes it a script
   wizard_.cmdNext_Click();
   EXPECT_EQ(view_.pane, WizardPane::Script);
+  EXPECT_EQ(view_.title, L"New item - Command");
   EXPECT_EQ(view_.scriptPath, L"$(appsetdir)\\hello.vbs");
   EXPECT_TRUE(view_.enabled[WizardControl::Open]);
   wizard_.cmdNext_Click();
@@ -279,8 +280,11 @@ TEST_F(WizardTest, HotKeyCapture) {
       {67, 2, {}, true, 0x00020043, L"C+C"},
       {74, 0, {45}, true, 0x2000004A, L"Narrix+J"},
       {116, 5, {145}, true, 0x20050074, L"Narrix+A+S+F5"},
-      {13, 0, {}, true, 0x0000000D, L"Enter"},
-      {121, 4, {}, true, 0x00040079, L"A+key(121)"},
+      {13, 0, {}, true, 0x0000000D, L"Enter"},  // not Finish
+      {27, 0, {}, true, 0x0000001B, L"Esc"},    // not Cancel
+      {74, 4, {}, true, 0x0004004A, L"A+J"},    // not an access key
+      {121, 0, {}, true, 0x00000079, L"F10"},   // not the menu key
+      {122, 4, {}, true, 0x0004007A, L"A+key(122)"},
   };
   for (const auto& p : presses) {
     view_.keysDown = p.held;
@@ -293,10 +297,11 @@ TEST_F(WizardTest, HotKeyCapture) {
       EXPECT_TRUE(view_.enabled[WizardControl::Discard]);
     }
   }
+  EXPECT_FALSE(view_.closed);
   wizard_.chkBraille_Click(true);
-  EXPECT_EQ(static_cast<uint32_t>(item_->HotKey), 0x40040079u);
+  EXPECT_EQ(static_cast<uint32_t>(item_->HotKey), 0x4004007Au);
   wizard_.chkBraille_Click(false);
-  EXPECT_EQ(static_cast<uint32_t>(item_->HotKey), 0x00040079u);
+  EXPECT_EQ(static_cast<uint32_t>(item_->HotKey), 0x0004007Au);
   wizard_.cmdHotKeyDel_Click();
   wizard_.cmdNext_Click();
   EXPECT_EQ(item_->HotKey, 0);
@@ -395,6 +400,122 @@ TEST_F(WizardTest, CancelLeavesNoItem) {
   EXPECT_EQ(wizard_.Response(), 2);
   EXPECT_EQ(wizard_.MenuItem(), nullptr);
   EXPECT_EQ(item_->Caption, L"Typed");  // written as typed; the caller drops the item
+}
+
+// The command line only suggests a script: once the user has stored a
+// command of their own, going back shows that command, not the suggestion.
+TEST_F(WizardTest, CommandLinePathNeverOverwritesTheUsersChoice) {
+  gCmdScriptPath = L"$(appsetdir)\\hello.vbs";
+  Start();
+  wizard_.cmdNext_Click();
+  wizard_.cmdPrev_Click();  // nothing stored yet: still offered
+  wizard_.cmdNext_Click();
+  EXPECT_EQ(view_.kind, WizardKind::Script);
+  wizard_.cmdNext_Click();
+  view_.scriptPath = L"$(appsetdir)\\other.vbs";
+  wizard_.cmdNext_Click();
+  EXPECT_EQ(item_->Action, L"shell($(appsetdir)\\other.vbs)");
+  wizard_.cmdPrev_Click();
+  EXPECT_EQ(view_.scriptPath, L"$(appsetdir)\\other.vbs");
+
+  wizard_.cmdPrev_Click();
+  EXPECT_EQ(view_.kind, WizardKind::Script);
+  view_.kind = WizardKind::Command;
+  wizard_.Kind_Click(WizardKind::Command);
+  wizard_.cmdNext_Click();
+  EXPECT_EQ(view_.pane, WizardPane::Command);
+  view_.commandText = L"SayTime";  // the stored script is shown as text to edit
+  wizard_.cmdNext_Click();
+  EXPECT_EQ(item_->Action, L"SayTime");
+  wizard_.cmdPrev_Click();
+  wizard_.cmdPrev_Click();
+  EXPECT_EQ(view_.kind, WizardKind::Command);
+  wizard_.cmdNext_Click();
+  EXPECT_TRUE(view_.list);
+  EXPECT_EQ(view_.selected, 1);
+  wizard_.cmdNext_Click();
+  EXPECT_EQ(item_->Action, L"SayTime");
+}
+
+TEST_F(WizardTest, BackFromTheCommandPageStoresNothing) {
+  const struct {
+    const wchar_t* action;
+    WizardKind kind;
+  } cases[] = {
+      {L"SayLine", WizardKind::Command}, {L"shell(a.vbs)", WizardKind::Script}, {L"Mine", WizardKind::Command}};
+  for (const auto& c : cases) {
+    item_->Action = c.action;
+    fWizard wizard(view_, prompts_, processes_, info_, defs_);
+    wizard.LoadDefs(dir_.Path(L"gKeyCode.def"), dir_.Path(L"gActions.def"));
+    wizard.SetMenuItem(item_.get());
+    wizard.cmdNext_Click();
+    EXPECT_EQ(view_.kind, c.kind) << c.action;
+    wizard.cmdNext_Click();
+    view_.selected = 1;
+    view_.scriptPath = L"b.vbs";
+    view_.commandText = L"Other";
+    wizard.cmdPrev_Click();
+    EXPECT_EQ(wizard.Page(), 1);
+    EXPECT_EQ(item_->Action, c.action);
+  }
+}
+
+// Only the type page finishes a pull-down; back on the name page the button
+// must say Next again.
+TEST_F(WizardTest, NamePageAlwaysOffersNext) {
+  Start();
+  EXPECT_EQ(view_.texts[WizardControl::Next], L"&Next >");
+  wizard_.cmdNext_Click();
+  EXPECT_EQ(view_.kind, WizardKind::PullDown);
+  EXPECT_EQ(view_.texts[WizardControl::Next], L"&Finish");
+  wizard_.cmdPrev_Click();
+  EXPECT_EQ(wizard_.Page(), 0);
+  EXPECT_EQ(view_.texts[WizardControl::Next], L"&Next >");
+  wizard_.cmdNext_Click();
+  EXPECT_EQ(wizard_.Page(), 1);
+  EXPECT_FALSE(view_.closed);
+}
+
+// The Form button belongs to a script with a form file beside it and opens
+// that file in the screen reader's form tool.
+TEST_F(WizardTest, FormButtonFollowsTheFormFile) {
+  registry_.WriteString(kProductKey, L"Path", dir_.Path());
+  info_.Inicialize(nullptr);
+  gAppName = L"app";
+  std::filesystem::create_directories(dir_.Fs() / "scripts");
+  std::filesystem::create_directories(dir_.Fs() / "Set" / "app");
+  dir_.Write(L"scripts\\mail.frm", "");
+  dir_.Write(L"Set\\app\\hello.frm", "");
+  const std::wstring tool = dir_.Path(L"scripts\\setscript.exe") + L" ";
+  const struct {
+    const wchar_t* path;
+    const wchar_t* form;  // null: no button
+  } cases[] = {
+      {L"wscript.exe \"$(velkordir)\\scripts\\Mail.VBS\"", L"scripts\\mail.frm"},
+      {L"$(appsetdir)\\hello.vbs", L"Set\\app\\hello.frm"},
+      {L"wscript.exe \"$(velkordir)\\scripts\\none.vbs\"", nullptr},
+      {L"$(velkordir)\\scripts\\mail.exe", nullptr},
+  };
+  for (const auto& c : cases) {
+    processes_.started.clear();
+    view_.scriptPath = c.path;
+    wizard_.txtScriptPath_Change(c.path);
+    EXPECT_EQ(view_.shown[WizardControl::Form], c.form != nullptr) << c.path;
+    if (!c.form) continue;
+    wizard_.cmdScriptForm_Click();
+    EXPECT_EQ(processes_.started, std::vector<std::wstring>{tool + dir_.Path(c.form)}) << c.path;
+  }
+
+  // The command page of a stored script shows it too, and a form file that
+  // has gone takes the button with it.
+  item_->Action = L"shell(wscript.exe \"$(velkordir)\\scripts\\mail.vbs\")";
+  Start();
+  wizard_.cmdNext_Click();
+  wizard_.cmdNext_Click();
+  EXPECT_TRUE(view_.shown[WizardControl::Form]);
+  std::filesystem::remove(dir_.Fs() / "scripts" / "mail.frm");
+  wizard_.txtScriptPath_Change(view_.scriptPath);
+  EXPECT_FALSE(view_.shown[WizardControl::Form]);
 }
 
 }  // namespace
