@@ -1,0 +1,292 @@
+// New and Edit in the menu editor, with a stand-in for the item wizard.
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <vector>
+
+#include "menu/menu_editor.h"
+#include "platform/text.h"
+#include "startup/command_line.h"
+#include "startup/settings.h"
+#include "startup/string_table.h"
+#include "temp_folder.h"
+
+namespace nx {
+namespace {
+
+// A tree view in memory: nodes in insertion order with their parents.
+class TreeView : public IMenuEditorView {
+ public:
+  struct Node {
+    std::wstring key, parent, text;
+  };
+  std::vector<Node> nodes;
+  std::optional<std::wstring> selected;
+
+  void SetTitle(const std::wstring&) override {}
+  void SetText(EditorText, const std::wstring&) override {}
+  void SetCommandText(EditorCommand, const std::wstring&) override {}
+  void EnableCommand(EditorCommand, bool) override {}
+  void EnableApply(bool) override {}
+  void BeginTreeUpdate() override {}
+  void EndTreeUpdate() override {}
+  void ClearTree() override {
+    nodes.clear();
+    selected.reset();
+  }
+  void AddNode(const std::wstring& key, const std::wstring& parent, const std::wstring& text, bool) override {
+    nodes.push_back({key, parent, text});
+  }
+  int NodeCount() const override { return static_cast<int>(nodes.size()); }
+  std::optional<std::wstring> SelectedNode() const override { return selected; }
+  void SelectNode(const std::wstring& key) override { selected = key; }
+  std::wstring NodeText(const std::wstring& key) const override {
+    for (const auto& n : nodes)
+      if (n.key == key) return n.text;
+    return {};
+  }
+  void SetFields(const std::wstring&, const std::wstring&, const std::wstring&) override {}
+  void FocusNameField() override {}
+  void OpenItemMenu() override {}
+  int TrackPreview(NativeMenu) override { return 0; }
+  void Close() override {}
+
+  // "text(children)" of the tree as shown.
+  std::wstring Shape(const std::wstring& parent = L"") const {
+    std::wstring out;
+    for (const auto& n : nodes) {
+      if (n.parent != parent) continue;
+      const std::wstring inner = Shape(n.key);
+      out += (out.empty() ? L"" : L" ") + n.text + (inner.empty() ? L"" : L"(" + inner + L")");
+    }
+    return out;
+  }
+  void SelectText(const std::wstring& text) {
+    for (const auto& n : nodes)
+      if (n.text == text) selected = n.key;
+  }
+};
+
+// Answers questions from a script and keeps the ids' texts it was asked.
+class ScriptedPrompts : public IPrompts {
+ public:
+  std::deque<int> answers;
+  std::vector<std::wstring> asked;
+  int Message(const std::wstring& text, unsigned, const std::wstring&) override {
+    asked.push_back(text);
+    if (answers.empty()) {
+      ADD_FAILURE() << "unexpected question: " << WideToUtf8(text);
+      return mb::kIdCancel;
+    }
+    const int answer = answers.front();
+    answers.pop_front();
+    return answer;
+  }
+};
+
+class NullMenus : public INativeMenus {
+ public:
+  NativeMenu CreatePopup() override { return 1; }
+  void AppendPopup(NativeMenu, NativeMenu, const std::wstring&) override {}
+  void AppendCommand(NativeMenu, int, const std::wstring&) override {}
+  void Destroy(NativeMenu) override {}
+};
+
+// Like the real wizard, it writes into the item it is given as the user
+// types, also when the user then cancels.
+class ScribblingWizard : public IItemWizard {
+ public:
+  struct Seen {
+    std::wstring caption, action;
+    int32_t hotKey;
+    bool discard, isNew;
+  };
+  std::vector<Seen> seen;
+  bool finish = true;
+  std::wstring caption = L"Typed", action = L"SayTime";
+  int32_t hotKey = 0x00020043;
+  bool Describe(cMenuItem& item, bool isNew, const cMenuItem*, const cMenuItem*) override {
+    seen.push_back({item.Caption, item.Action, item.HotKey, item.Discard, isNew});
+    item.Caption = caption;
+    item.Action = action;
+    item.HotKey = hotKey;
+    item.Discard = !item.Discard;
+    return finish;
+  }
+};
+
+// File(Open, Save) Edit(Copy) Quit, where Open has a command and a hot key
+// and Quit only a hot key.
+class NewItemTest : public ::testing::Test {
+ protected:
+  NewItemTest() {
+    SetUiLanguage(UiLanguage::English);
+    gCmdScriptPath.clear();
+    std::filesystem::create_directories(dir_.Fs() / "Set" / "notepad");
+    registry_.WriteString(kProductKey, L"Path", dir_.Path());
+    info_.Inicialize(nullptr);
+    defs_.SetFolder(dir_.Path(L"Set\\"));
+    auto root = cMenuItem::New();
+    auto add = [](cMenuItem* parent, const wchar_t* caption, const wchar_t* action, int32_t hotKey) {
+      auto item = parent->SubItems.Add(1, parent, cMenuItem::New());
+      item->Caption = caption;
+      item->Action = action;
+      item->HotKey = hotKey;
+      return item.get();
+    };
+    cMenuItem* file = add(root.get(), L"File", L"", 0);
+    add(file, L"Open", L"shell(open.vbs)", 0x123);
+    add(file, L"Save", L"SaveIt", 0);
+    add(add(root.get(), L"Edit", L"", 0), L"Copy", L"CopyIt", 0);
+    add(root.get(), L"Quit", L"", 0x00020051);
+    EXPECT_TRUE(defs_.DefActions().FlushCommand2Def(dir_.Path(L"Set\\notepad\\Command.mnu"), L"", *root));
+    editor_.Form_Load();
+    editor_.LoadDefs(dir_.Path(L"Set"), L"notepad", false);
+  }
+  ~NewItemTest() override { gCmdScriptPath.clear(); }
+
+  const cMenuItem* Find(const std::wstring& caption) const {
+    const cMenuItem* found = nullptr;
+    WalkTree(
+        static_cast<const cMenuItem&>(*editor_.Root()),
+        [&](const cMenuItem& item, size_t, int) {
+          if (item.Caption == caption) found = &item;
+          return true;
+        },
+        [](const cMenuItem&, size_t) {});
+    return found;
+  }
+
+  static constexpr const wchar_t* kStart = L"Application (notepad)(File(Open Save) Edit(Copy) Quit)";
+  test::TempFolder dir_;
+  MemoryRegistry registry_;
+  cNarrixInfo info_{registry_, L""};
+  BuiltinCodePage page_{1252};
+  PortableProfile profile_{page_};
+  cDefServer defs_{page_, profile_, L""};
+  NullMenus menus_;
+  std::unique_ptr<IBrailleDisplay> braille_;
+  ScriptedPrompts prompts_;
+  TreeView view_;
+  ScribblingWizard wizard_;
+  fMenuDef editor_{view_, prompts_, MenuEditorServices{info_, defs_, profile_, menus_, braille_, nullptr, &wizard_}};
+};
+
+TEST_F(NewItemTest, CancelledEditChangesNothing) {
+  view_.SelectText(L"Open");
+  wizard_.finish = false;
+  editor_.mnuTreeEdit_Click();
+  ASSERT_EQ(wizard_.seen.size(), 1u);
+  EXPECT_FALSE(wizard_.seen[0].isNew);
+  EXPECT_EQ(wizard_.seen[0].action, L"shell(open.vbs)");  // the wizard starts from the item's fields
+  EXPECT_EQ(wizard_.seen[0].hotKey, 0x123);
+  const cMenuItem* open = Find(L"Open");
+  ASSERT_NE(open, nullptr);
+  EXPECT_EQ(open->Action, L"shell(open.vbs)");
+  EXPECT_EQ(open->HotKey, 0x123);
+  EXPECT_EQ(Find(L"Typed"), nullptr);
+  EXPECT_EQ(view_.Shape(), kStart);
+  EXPECT_FALSE(editor_.Dirty());
+}
+
+TEST_F(NewItemTest, FinishedEditCopiesTheFieldsBack) {
+  view_.SelectText(L"Edit");
+  wizard_.action = L"";
+  wizard_.hotKey = 0;
+  editor_.mnuTreeEdit_Click();
+  EXPECT_EQ(view_.Shape(), L"Application (notepad)(File(Open Save) Typed(Copy) Quit)");  // the children stay
+  EXPECT_EQ(view_.NodeText(*view_.selected), L"Typed");
+  EXPECT_TRUE(editor_.Dirty());
+  EXPECT_TRUE(prompts_.asked.empty());  // no pull-down question on an edit
+}
+
+TEST_F(NewItemTest, CancelledNewChangesNothing) {
+  view_.SelectText(L"Save");
+  wizard_.finish = false;
+  editor_.mnuNew_Click();
+  EXPECT_EQ(view_.Shape(), kStart);
+  EXPECT_FALSE(editor_.Dirty());
+}
+
+TEST_F(NewItemTest, NewItemStartsBlankWithDiscard) {
+  view_.SelectText(L"Save");
+  prompts_.answers = {mb::kIdNo};  // "Save as subitem?" No: after Save
+  editor_.mnuNew_Click();
+  ASSERT_EQ(wizard_.seen.size(), 1u);
+  const auto& seen = wizard_.seen[0];
+  EXPECT_TRUE(seen.isNew);
+  EXPECT_EQ(seen.caption, L"New item");
+  EXPECT_EQ(seen.action, L"");
+  EXPECT_EQ(seen.hotKey, 0);
+  EXPECT_TRUE(seen.discard);
+  EXPECT_EQ(view_.Shape(), L"Application (notepad)(File(Open Save Typed) Edit(Copy) Quit)");
+}
+
+// New borrows the clipboard for its paste and gives it back.
+TEST_F(NewItemTest, NewKeepsTheCopiedItem) {
+  view_.SelectText(L"Copy");
+  editor_.mnuTreeCopy_Click();
+  view_.SelectText(L"Save");
+  prompts_.answers = {mb::kIdNo};
+  EXPECT_TRUE(editor_.trvMenu_KeyDown('N', 2));  // Ctrl+N
+  view_.SelectText(L"Quit");
+  prompts_.answers = {mb::kIdNo};
+  editor_.mnuTreePaste_Click();
+  EXPECT_EQ(view_.Shape(), L"Application (notepad)(File(Open Save Typed) Edit(Copy) Quit Copy)");
+
+  // Cancelled at the placement question: nothing placed, the clipboard kept.
+  view_.SelectText(L"Save");
+  prompts_.answers = {mb::kIdCancel};
+  editor_.mnuNew_Click();
+  view_.SelectText(L"Open");
+  prompts_.answers = {mb::kIdNo};
+  editor_.mnuTreePaste_Click();
+  EXPECT_EQ(view_.Shape(), L"Application (notepad)(File(Open Copy Save Typed) Edit(Copy) Quit Copy)");
+}
+
+// A new item placed under an item with a command or hot key makes it a
+// pull-down, after asking.
+TEST_F(NewItemTest, NewChildOfAnItemWithACommandAsksFirst) {
+  const struct {
+    const wchar_t* target;
+    int answer;  // to the pull-down question; 0: not asked
+    const wchar_t* shape;
+  } cases[] = {
+      {L"Open", mb::kIdYes, L"Application (notepad)(File(Open(Typed) Save) Edit(Copy) Quit)"},
+      {L"Quit", mb::kIdYes, L"Application (notepad)(File(Open Save) Edit(Copy) Quit(Typed))"},
+      {L"Open", mb::kIdNo, kStart},
+      {L"Edit", 0, L"Application (notepad)(File(Open Save) Edit(Typed Copy) Quit)"},
+  };
+  for (const auto& c : cases) {
+    editor_.LoadDefs(dir_.Path(L"Set"), L"notepad", false);
+    prompts_.asked.clear();
+    view_.SelectText(c.target);
+    prompts_.answers = {mb::kIdYes};  // "Save as subitem?"
+    if (c.answer) prompts_.answers.push_back(c.answer);
+    editor_.mnuNew_Click();
+    EXPECT_EQ(view_.Shape(), c.shape) << c.target;
+    ASSERT_EQ(prompts_.asked.size(), c.answer ? 2u : 1u) << c.target;
+    EXPECT_EQ(prompts_.asked[0], L"Save as subitem?");
+    if (c.answer) {
+      EXPECT_EQ(prompts_.asked[1].find(L"Item " + std::wstring(c.target) + L" contains"), 0u);
+    }
+    const cMenuItem* target = Find(c.target);
+    ASSERT_NE(target, nullptr);
+    EXPECT_EQ(target->Action.empty() && target->HotKey == 0, c.answer != mb::kIdNo) << c.target;
+  }
+}
+
+// A script path on the command line starts one new item when the tree
+// first gets the focus, not every time.
+TEST_F(NewItemTest, CommandLineScriptStartsNewOnce) {
+  gCmdScriptPath = L"$(appsetdir)\\hello.vbs";
+  view_.SelectText(L"Quit");
+  prompts_.answers = {mb::kIdNo};
+  editor_.trvMenu_GotFocus();
+  editor_.trvMenu_GotFocus();
+  EXPECT_EQ(wizard_.seen.size(), 1u);
+  EXPECT_EQ(view_.Shape(), L"Application (notepad)(File(Open Save) Edit(Copy) Quit Typed)");
+}
+
+}  // namespace
+}  // namespace nx
