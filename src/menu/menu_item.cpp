@@ -2,6 +2,7 @@
 
 #include <limits>
 #include <stdexcept>
+#include <unordered_set>
 
 namespace nx {
 namespace {
@@ -41,12 +42,9 @@ void WalkUntilMatch(cMenuItem& root, Visit visit) {
 }  // namespace
 
 bool cMenuItems::WouldOwnItself(const cMenuItem* item) const {
-  // Every ancestor of the owner but the owner itself has children, so a leaf
-  // (all the menu reader ever adds) is checked at once.
-  if (item->SubItems.Count() == 0) return item == owner_;
-  for (const cMenuItem* p = owner_; p; p = p->Parent)
-    if (p == item) return true;
-  return false;
+  // Parent links are only what the callers last set, so the new item's
+  // subtree itself is searched for the owner.
+  return item->Contains(owner_);
 }
 
 MenuItemPtr cMenuItems::Add(int16_t asChild, cMenuItem* reference, MenuItemPtr item, const std::wstring& key) {
@@ -98,10 +96,7 @@ cMenuItem::~cMenuItem() {
   // tree hands its children over before it goes.
   std::vector<MenuItemPtr> pending;
   auto takeChildren = [&pending](cMenuItem& item) {
-    for (auto& child : item.SubItems.items_) {
-      if (child->Parent == &item) child->Parent = nullptr;
-      pending.push_back(std::move(child));
-    }
+    for (auto& child : item.SubItems.items_) pending.push_back(std::move(child));
     item.SubItems.items_.clear();
   };
   takeChildren(*this);
@@ -153,6 +148,24 @@ void cMenuItem::RemoveItem(const cMenuItem* item) {
     list.Remove(position);
     return true;
   });
+}
+
+bool cMenuItem::Contains(const cMenuItem* item) const {
+  if (item == this) return true;
+  if (!item || SubItems.Count() == 0) return false;
+  // An item may sit in several lists; each is searched once, so that a
+  // subtree that shares items cannot make the search take exponential time.
+  std::unordered_set<const cMenuItem*> seen{this};
+  std::vector<const cMenuItem*> pending{this};
+  while (!pending.empty()) {
+    const cMenuItem* next = pending.back();
+    pending.pop_back();
+    for (const auto& child : next->SubItems) {
+      if (child.get() == item) return true;
+      if (child->SubItems.Count() > 0 && seen.insert(child.get()).second) pending.push_back(child.get());
+    }
+  }
+  return false;
 }
 
 void cMenuItem::CreateMenuId(int32_t& next) {

@@ -1,7 +1,9 @@
 // The menu as a tree of items. Items are shared: the tree, the editor's
 // clipboard and the wizard may hold the same item, which lives as long as
-// any of them does. A child's Parent is a plain back pointer, so a tree never
-// owns itself; adding an item into its own subtree is refused.
+// any of them does. A child's Parent does not own its parent and reads as
+// null once the parent has ended, so a tree never owns itself and no link
+// leads to freed memory; adding an item to a list inside its own subtree is
+// refused.
 #pragma once
 
 #include <cstdint>
@@ -18,6 +20,23 @@ namespace nx {
 class cMenuItem;
 using MenuItemPtr = std::shared_ptr<cMenuItem>;
 
+// The Parent of an item: used like a plain pointer, but it never outlives
+// the item it names (that item's end turns it into null). Only items made
+// by cMenuItem::New can be named; any other item reads as null.
+class ParentLink {
+ public:
+  ParentLink() = default;
+  ParentLink(cMenuItem* item) { *this = item; }  // NOLINT: reads like the pointer it stands for
+  ParentLink& operator=(cMenuItem* item);
+  cMenuItem* get() const { return life_.expired() ? nullptr : item_; }
+  operator cMenuItem*() const { return get(); }  // NOLINT
+  cMenuItem* operator->() const { return get(); }
+
+ private:
+  cMenuItem* item_ = nullptr;
+  std::weak_ptr<cMenuItem> life_;
+};
+
 // The ordered children of one item, positions counted from 1.
 class cMenuItems {
  public:
@@ -28,11 +47,11 @@ class cMenuItems {
   // Appends `item`. Flag 0: its Parent becomes reference's Parent. Flag 1
   // with a reference: its Parent becomes the reference. Any other flag, or
   // flag 1 without a reference, adds nothing and returns null, as does an
-  // item that would become its own ancestor.
+  // item whose subtree holds this list's owner.
   MenuItemPtr Add(int16_t asChild, cMenuItem* reference, MenuItemPtr item, const std::wstring& key = L"");
   // Inserts directly after `position` (0: at the front). Parent is left as
-  // it is. Null when the position is out of range or the item would become
-  // its own ancestor.
+  // it is. Null when the position is out of range or the item's subtree
+  // holds this list's owner.
   MenuItemPtr AddAfter(MenuItemPtr item, int position, const std::wstring& key = L"");
   MenuItemPtr AddAsFirst(MenuItemPtr item, const std::wstring& key = L"");
 
@@ -74,7 +93,7 @@ class cMenuItem : public std::enable_shared_from_this<cMenuItem> {
   bool Discard = false;
   std::wstring Tag;  // free for the windows' own use; never stored
   cMenuItems SubItems{this};
-  cMenuItem* Parent = nullptr;
+  ParentLink Parent;
   int32_t MenuId = 0;
 
   // Builds the native pop-up of this item and of every pull-down below it,
@@ -91,6 +110,8 @@ class cMenuItem : public std::enable_shared_from_this<cMenuItem> {
   void InsertAfter(const cMenuItem* reference, MenuItemPtr item);
   // Takes `item` out of this subtree (the first place found in pre-order).
   void RemoveItem(const cMenuItem* item);
+  // True when `item` is this item or anywhere below it.
+  bool Contains(const cMenuItem* item) const;
   // Numbers this subtree in pre-order from `next`, leaving one number unused
   // after every child's subtree. Throws std::overflow_error past INT32_MAX.
   void CreateMenuId(int32_t& next);
@@ -126,6 +147,12 @@ bool WalkTree(Item& root, Enter enter, Leave leave) {
     stack.push_back({child, 1});
   }
   return true;
+}
+
+inline ParentLink& ParentLink::operator=(cMenuItem* item) {
+  item_ = item;
+  life_ = item ? item->weak_from_this() : std::weak_ptr<cMenuItem>();
+  return *this;
 }
 
 // A named point beside the tree: name, a second text and three numbers.

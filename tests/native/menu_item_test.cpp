@@ -131,6 +131,42 @@ TEST(MenuItem, SharedItemsOutliveTheTreeAndCyclesAreRefused) {
   EXPECT_EQ(clipboard->SubItems.item(1)->Parent, clipboard.get());
 }
 
+// Parent is whatever the callers last set, so neither a stale nor a missing
+// link may let a list take in its own ancestor, and a link never outlives
+// the parent it names.
+TEST(MenuItem, ParentNeverOutlivesItsItemAndCyclesAreRefusedWhateverItSays) {
+  auto withChild = Item(L"pull-down");
+  Child(*withChild, L"inside");
+
+  auto x = Item(L"x");
+  {
+    auto p = Item(L"p");
+    p->SubItems.Add(1, p.get(), x);
+    p->SubItems.Remove(1);
+    EXPECT_EQ(x->Parent, p.get());  // Remove leaves Parent as it was
+  }
+  EXPECT_EQ(x->Parent.get(), nullptr);  // ...until that parent ends
+  EXPECT_NE(x->SubItems.Add(1, x.get(), withChild), nullptr);
+
+  // AddAfter and AddAsFirst leave Parent alone, so here it says nothing.
+  auto a = Item(L"a"), b = Item(L"b");
+  const struct {
+    cMenuItem* into;
+    MenuItemPtr item;
+  } refused[] = {{b.get(), a}, {b.get(), b}, {withChild->SubItems.item(1).get(), withChild}};
+  ASSERT_NE(a->SubItems.AddAsFirst(b), nullptr);
+  Child(*b, L"b1");
+  for (const auto& c : refused) {
+    EXPECT_EQ(c.into->SubItems.AddAsFirst(c.item), nullptr) << c.into->Caption;
+    EXPECT_EQ(c.into->SubItems.AddAfter(c.item, 0), nullptr) << c.into->Caption;
+    EXPECT_EQ(c.into->SubItems.Add(1, c.into, c.item), nullptr) << c.into->Caption;
+  }
+  EXPECT_EQ(Captions(*a), L"b(b1 ) ");
+  EXPECT_EQ(b->Parent.get(), nullptr);
+  // One item in two lists of the same subtree is no cycle.
+  EXPECT_NE(a->SubItems.AddAsFirst(b->SubItems.item(1)), nullptr);
+}
+
 TEST(MenuItem, DeepTreesAreReleasedWithoutRecursion) {
   auto root = Item(L"root");
   cMenuItem* last = root.get();

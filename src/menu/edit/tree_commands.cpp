@@ -43,12 +43,6 @@ MenuItemPtr DeepCopy(const cMenuItem& source) {
   return copy;
 }
 
-bool IsWithin(const cMenuItem* item, const cMenuItem* ancestor) {
-  for (const cMenuItem* p = item; p; p = p->Parent)
-    if (p == ancestor) return true;
-  return false;
-}
-
 void fMenuDef::mnuTreeCopy_Click() {
   cMenuItem* item = SelectedItem();
   if (!item || SelectedIsTop()) return;
@@ -90,7 +84,7 @@ void fMenuDef::mnuTreePasteAsChild_Click() {
 void fMenuDef::PasteAt(cMenuItem* target, bool asChild) {
   // A cut item cannot go into its own subtree: taking it out first would
   // take the target with it.
-  if (cut_ && IsWithin(target, clipboard_.get())) return;
+  if (cut_ && clipboard_->Contains(target)) return;
   if (asChild && (!target->Action.empty() || target->HotKey != 0)) {
     if (prompts_.Message(LoadResText(kPullDownQuestion, target->Caption), kYesNoDefaultNo,
                          LoadResText(kProductTitle)) != mb::kIdYes)

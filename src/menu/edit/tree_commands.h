@@ -10,7 +10,4 @@ namespace nx {
 // the tree is renumbered.
 MenuItemPtr DeepCopy(const cMenuItem& source);
 
-// True when `item` is `ancestor` or lies in its subtree.
-bool IsWithin(const cMenuItem* item, const cMenuItem* ancestor);
-
 }  // namespace nx
