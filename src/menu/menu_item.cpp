@@ -108,28 +108,63 @@ cMenuItem::~cMenuItem() {
 }
 
 NativeMenu cMenuItem::CreateMenu(INativeMenus& menus, const std::function<std::wstring(int32_t)>& hotKeyText) {
-  if (popup_ && menus_) menus_->Destroy(popup_);
-  menus_ = &menus;
-  popup_ = menus.CreatePopup();
-  for (const auto& child : SubItems) {
-    if (child->SubItems.Count() >= 1) {
-      menus.AppendPopup(popup_, child->CreateMenu(menus, hotKeyText), child->Caption);
-    } else {
-      std::wstring label = child->Caption;
-      const std::wstring keyText = hotKeyText ? hotKeyText(child->HotKey) : std::wstring();
-      if (!keyText.empty()) label += L"\t" + keyText;
-      menus.AppendCommand(popup_, child->MenuId, label);
+  auto begin = [&menus](cMenuItem& item) {
+    if (item.popup_ && item.menus_) item.menus_->Destroy(item.popup_);
+    item.menus_ = &menus;
+    item.popup_ = menus.CreatePopup();
+  };
+  // A pull-down is appended to its parent's pop-up once its own is whole;
+  // the stack holds the pull-downs still being filled, so that menus of any
+  // depth are safe.
+  struct Frame {
+    cMenuItem* item;
+    int position;
+  };
+  begin(*this);
+  std::vector<Frame> stack{{this, 1}};
+  while (!stack.empty()) {
+    Frame& frame = stack.back();
+    if (frame.position > frame.item->SubItems.Count()) {
+      const cMenuItem* done = frame.item;
+      stack.pop_back();
+      if (!stack.empty()) menus.AppendPopup(stack.back().item->popup_, done->popup_, done->Caption);
+      continue;
     }
+    cMenuItem* child = frame.item->SubItems.item(frame.position++).get();
+    if (child->SubItems.Count() >= 1) {
+      begin(*child);
+      stack.push_back({child, 1});
+      continue;
+    }
+    std::wstring label = child->Caption;
+    const std::wstring keyText = hotKeyText ? hotKeyText(child->HotKey) : std::wstring();
+    if (!keyText.empty()) label += L"\t" + keyText;
+    menus.AppendCommand(frame.item->popup_, child->MenuId, label);
   }
   return popup_;
 }
 
 void cMenuItem::DestroyMenu() {
-  for (const auto& child : SubItems) child->DestroyMenu();
-  // Forgetting the handle keeps a later CreateMenu or the item's end from
-  // destroying it a second time.
-  if (popup_ && menus_) menus_->Destroy(popup_);
-  popup_ = 0;
+  // Children before their parent, without recursion. Forgetting each handle
+  // keeps a later CreateMenu or the item's end from destroying it a second
+  // time.
+  struct Frame {
+    cMenuItem* item;
+    int position;
+  };
+  std::vector<Frame> stack{{this, 1}};
+  while (!stack.empty()) {
+    Frame& frame = stack.back();
+    if (frame.position <= frame.item->SubItems.Count()) {
+      cMenuItem* child = frame.item->SubItems.item(frame.position++).get();
+      stack.push_back({child, 1});
+      continue;
+    }
+    cMenuItem* done = frame.item;
+    stack.pop_back();
+    if (done->popup_ && done->menus_) done->menus_->Destroy(done->popup_);
+    done->popup_ = 0;
+  }
 }
 
 void cMenuItem::InsertAfter(const cMenuItem* reference, MenuItemPtr item) {

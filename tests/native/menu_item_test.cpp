@@ -229,6 +229,27 @@ TEST(MenuItem, CreateMenuBuildsNestedPopups) {
   EXPECT_EQ(menus.live, 0);  // every pop-up destroyed exactly once
 }
 
+TEST(MenuItem, DeepMenusArePreviewedWithoutRecursion) {
+  FakeMenus menus;
+  constexpr int kLevels = 100000;
+  auto root = Item(L"root");
+  cMenuItem* last = root.get();
+  for (int i = 0; i < kLevels; ++i) last = Child(*last, L"deeper").get();
+  last->MenuId = 42;
+  root->CreateMenu(menus, nullptr);
+  ASSERT_EQ(menus.log.size(), 2u * kLevels);  // the deepest item is a command
+  EXPECT_EQ(menus.log[kLevels - 1], L"create " + std::to_wstring(100 + kLevels - 1));
+  EXPECT_EQ(menus.log[kLevels], std::to_wstring(100 + kLevels - 1) + L" command 42 deeper");
+  EXPECT_EQ(menus.log[kLevels + 1],
+            std::to_wstring(100 + kLevels - 2) + L" popup " + std::to_wstring(100 + kLevels - 1) + L" deeper");
+  EXPECT_EQ(menus.log.back(), L"100 popup 101 deeper");
+  menus.log.clear();
+  root->DestroyMenu();
+  EXPECT_EQ(menus.live, 0);
+  EXPECT_EQ(menus.log.front(), L"destroy " + std::to_wstring(100 + kLevels - 1));
+  EXPECT_EQ(menus.log.back(), L"destroy 100");
+}
+
 TEST(NamedPoint, Dump) {
   cNamedPoint p;
   p.Name = L"home";
