@@ -181,16 +181,24 @@ MenuItemPtr cDefActions::InitCommandDef(const std::wstring& menuPath, const std:
   return result.root;
 }
 
-bool cDefActions::FlushCommand2Def(const std::wstring& menuPath, const std::wstring& braillePath,
-                                   const cMenuItem& root) {
+bool cDefActions::FlushCommand2Def(const std::wstring& menuPath, const std::wstring& braillePath, const cMenuItem& root,
+                                   std::wstring* failedFile) {
   std::vector<std::pair<std::wstring, uint32_t>> brailleCodes;
   auto bytes = SerializeMenu(
       root, codePage_, [&](const std::wstring& action, uint32_t code) { brailleCodes.emplace_back(action, code); });
-  if (!bytes || !WriteFileBytes(menuPath, *bytes)) return false;
-  if (!braillePath.empty())
-    for (const auto& [action, code] : brailleCodes)
-      profile_.WriteString(L"Actions", action, HexText(code), braillePath);
-  return true;
+  auto fail = [failedFile](const std::wstring& file) {
+    if (failedFile) *failedFile = file;
+    return false;
+  };
+  if (!bytes || !WriteFileBytes(menuPath, *bytes)) return fail(menuPath);
+  if (braillePath.empty()) return true;
+  // Every code is tried even after a failure, so that as many as possible
+  // reach the profile; a menu whose braille keys are partly lost is still a
+  // failed save.
+  bool allWritten = true;
+  for (const auto& [action, code] : brailleCodes)
+    allWritten = profile_.WriteString(L"Actions", action, HexText(code), braillePath) && allWritten;
+  return allWritten || fail(braillePath);
 }
 
 cDefServer::cDefServer(const ICodePage& codePage, IProfile& profile, std::wstring folder)

@@ -58,9 +58,12 @@ class cDefActions {
   MenuItemPtr InitCommandDef(const std::wstring& menuPath, const std::wstring& braillePath, bool* complete = nullptr);
   // Writes the menu below `root`, replacing the file only once the new one
   // is whole, then the braille codes into section "Actions" of
-  // `braillePath` (when given). False, with the old file untouched, when the
-  // menu cannot be stored or written.
-  bool FlushCommand2Def(const std::wstring& menuPath, const std::wstring& braillePath, const cMenuItem& root);
+  // `braillePath` (when given). False when the menu cannot be stored or
+  // written (the old file is then untouched and no braille code is written)
+  // or when a braille code could not be written; `failedFile` (optional)
+  // then names the file that failed.
+  bool FlushCommand2Def(const std::wstring& menuPath, const std::wstring& braillePath, const cMenuItem& root,
+                        std::wstring* failedFile = nullptr);
 
  private:
   std::wstring ModifierText(int16_t mask, bool longNames) const;

@@ -213,8 +213,9 @@ bool fMenuDef::Save() {
     std::filesystem::remove(ToFsPath(path), ignored);
     return true;
   }
-  if (!services_.defs.DefActions().FlushCommand2Def(path, BraillePath(), *root_)) {
-    prompts_.Message(LoadResText(kNotSaved, path), mb::kOkOnly | mb::kIconExclamation, LoadResText(kProductTitle));
+  std::wstring failed;
+  if (!services_.defs.DefActions().FlushCommand2Def(path, BraillePath(), *root_, &failed)) {
+    prompts_.Message(LoadResText(kNotSaved, failed), mb::kOkOnly | mb::kIconExclamation, LoadResText(kProductTitle));
     return false;
   }
   return true;

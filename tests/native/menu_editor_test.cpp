@@ -10,6 +10,7 @@
 #include "fake_koral.h"
 #include "menu/menu_editor.h"
 #include "platform/text.h"
+#include "refusing_profile.h"
 #include "startup/command_line.h"
 #include "startup/settings.h"
 #include "startup/string_table.h"
@@ -484,6 +485,21 @@ TEST_F(MenuEditorTest, AFailedSaveKeepsTheWindowAndTheEdits) {
   EXPECT_FALSE(view_.closed);
   EXPECT_TRUE(editor_.Dirty());
   EXPECT_NE(prompts_.asked.back().text.find(L"could not be saved"), std::wstring::npos);
+}
+
+TEST_F(MenuEditorTest, LostBrailleCodesAreAFailedSave) {
+  WriteMenu({{L"Quit", L"QuitIt", 0x40000005}}, {0});
+  gCmdDisplayName = L"Focus 40";
+  test::RefusingProfile refusing(page_, L"QuitIt");
+  cDefServer defs(page_, refusing, L"");
+  fMenuDef editor(view_, prompts_, MenuEditorServices{info_, defs, refusing, menus_, braille_, &opener_, nullptr});
+  editor.LoadDefs(dir_.Path(L"Set"), L"notepad", false);
+  prompts_.answers = {mb::kIdOk};
+  editor.cmdOK_Click();
+  EXPECT_FALSE(view_.closed);
+  ASSERT_FALSE(prompts_.asked.empty());
+  EXPECT_EQ(prompts_.asked.back().text, L"The menu could not be saved to " + dir_.Path(L"Set\\notepad\\Focus 40.ini") +
+                                            L". The file was not changed.");
 }
 
 // Stands in for the item wizard: renames the item, or is cancelled.

@@ -5,6 +5,7 @@
 #include "defs/def_actions.h"
 #include "menu/menu_file.h"
 #include "platform/profile.h"
+#include "refusing_profile.h"
 #include "temp_folder.h"
 
 namespace nx {
@@ -217,6 +218,36 @@ TEST_F(MenuFilesOnDiskTest, AFailedWriteKeepsTheOldFile) {
   EXPECT_EQ(dir_.Read(L"Command.mnu"), "old bytes");
   EXPECT_FALSE(defs_.FlushCommand2Def(dir_.Path(L"missing folder\\Command.mnu"), L"", *cMenuItem::New()));
   EXPECT_FALSE(std::filesystem::exists(dir_.Fs() / "Command.mnu.new~"));
+}
+
+TEST_F(MenuFilesOnDiskTest, ALostBrailleCodeIsAFailedWrite) {
+  test::RefusingProfile profile(page_, L"Refused");
+  cDefActions defs(page_, profile);
+  auto root = cMenuItem::New();
+  for (const wchar_t* action : {L"Before", L"Refused", L"After"}) {
+    auto item = root->SubItems.Add(1, root.get(), cMenuItem::New());
+    item->Action = action;
+    item->HotKey = 0x40000001;
+  }
+  const std::wstring menu = dir_.Path(L"Command.mnu"), ini = dir_.Path(L"Focus 40.ini");
+  const struct {
+    std::wstring menu, ini;
+    bool written;
+    std::wstring failed;
+    const char* profileAfter;
+  } cases[] = {
+      {menu, L"", true, L"", ""},
+      {dir_.Path(L"no folder\\Command.mnu"), ini, false, dir_.Path(L"no folder\\Command.mnu"), ""},
+      // The menu is written; every code that can be is written too.
+      {menu, ini, false, ini, "[Actions]\r\nBefore=1\r\nAfter=1\r\n"},
+  };
+  for (const auto& c : cases) {
+    std::wstring failed;
+    EXPECT_EQ(defs.FlushCommand2Def(c.menu, c.ini, *root, &failed), c.written);
+    EXPECT_EQ(failed, c.failed);
+    EXPECT_EQ(dir_.Read(L"Focus 40.ini"), c.profileAfter);
+  }
+  EXPECT_EQ(defs.InitCommandDef(menu, L"")->SubItems.Count(), 3);
 }
 
 }  // namespace
