@@ -5,30 +5,53 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 namespace nx {
 namespace {
-
-// Deep enough for any real menu (two levels of nesting per menu level), and
-// shallow enough for the smallest thread stack the program runs on.
-constexpr int kMaxDepth = 4000;
 
 class Parser {
  public:
   explicit Parser(std::string_view text) : text_(text) {}
 
+  // Without recursion: the containers still open are on a stack of their
+  // own, so that any depth the memory holds can be read.
   std::optional<JsonValue> Document(std::string& error) {
-    JsonValue value;
-    if (Value(value, 0)) {
-      Blanks();
-      if (pos_ == text_.size()) return value;
-      Fail("unexpected text after the end of the document");
+    JsonValue document;
+    std::vector<JsonValue*> open;
+    JsonValue* slot = &document;
+    while (slot) {
+      JsonValue* first = nullptr;  // of a container that has just opened
+      if (!Value(*slot, open, first)) return Failed(error);
+      slot = first;
+      while (!slot && !open.empty()) {
+        JsonValue& container = *open.back();
+        const bool array = container.type == JsonValue::Type::Array;
+        Blanks();
+        if (pos_ < text_.size() && text_[pos_] == ',') {
+          ++pos_;
+          slot = NewSlot(container);
+          if (!slot) return Failed(error);
+        } else if (pos_ < text_.size() && text_[pos_] == (array ? ']' : '}')) {
+          ++pos_;
+          open.pop_back();
+        } else {
+          Fail(array ? "expected ',' or ']'" : "expected ',' or '}'");
+          return Failed(error);
+        }
+      }
     }
-    error = Where() + ": " + error_;
-    return std::nullopt;
+    Blanks();
+    if (pos_ == text_.size()) return document;
+    Fail("unexpected text after the end of the document");
+    return Failed(error);
   }
 
  private:
+  std::nullopt_t Failed(std::string& error) const {
+    error = Where() + ": " + error_;
+    return std::nullopt;
+  }
   bool Fail(const std::string& message) {
     if (error_.empty()) error_ = message;
     return false;
@@ -56,13 +79,39 @@ class Parser {
     return true;
   }
 
-  bool Value(JsonValue& out, int depth) {
-    if (depth > kMaxDepth) return Fail("nested too deeply");
+  // The place for the next element of an open container: a new array item,
+  // or a new member after its name and colon. Null after a failure.
+  JsonValue* NewSlot(JsonValue& container) {
+    if (container.type == JsonValue::Type::Array) return &container.items.emplace_back();
+    Blanks();
+    if (pos_ >= text_.size() || text_[pos_] != '"') return Fail("expected a member name in quotes"), nullptr;
+    std::string key;
+    if (!String(key)) return nullptr;
+    Blanks();
+    if (pos_ >= text_.size() || text_[pos_] != ':') return Fail("expected ':' after a member name"), nullptr;
+    ++pos_;
+    return &container.members.emplace_back(std::move(key), JsonValue()).second;
+  }
+
+  // One value into `out`. A non-empty array or object is left open on
+  // `open`, and `first` is the place of its first element, still to come.
+  bool Value(JsonValue& out, std::vector<JsonValue*>& open, JsonValue*& first) {
     Blanks();
     if (pos_ >= text_.size()) return Fail("the document ends too early");
     const char c = text_[pos_];
-    if (c == '{') return Object(out, depth);
-    if (c == '[') return Array(out, depth);
+    if (c == '{' || c == '[') {
+      const char close = c == '{' ? '}' : ']';
+      out.type = c == '{' ? JsonValue::Type::Object : JsonValue::Type::Array;
+      ++pos_;
+      Blanks();
+      if (pos_ < text_.size() && text_[pos_] == close) {
+        ++pos_;
+        return true;
+      }
+      open.push_back(&out);
+      first = NewSlot(out);
+      return first != nullptr;
+    }
     if (c == '"') {
       out.type = JsonValue::Type::String;
       return String(out.text);
@@ -185,67 +234,29 @@ class Parser {
     }
   }
 
-  bool Array(JsonValue& out, int depth) {
-    out.type = JsonValue::Type::Array;
-    ++pos_;
-    Blanks();
-    if (pos_ < text_.size() && text_[pos_] == ']') {
-      ++pos_;
-      return true;
-    }
-    for (;;) {
-      out.items.emplace_back();
-      if (!Value(out.items.back(), depth + 1)) return false;
-      Blanks();
-      if (pos_ < text_.size() && text_[pos_] == ',') {
-        ++pos_;
-        continue;
-      }
-      if (pos_ < text_.size() && text_[pos_] == ']') {
-        ++pos_;
-        return true;
-      }
-      return Fail("expected ',' or ']'");
-    }
-  }
-
-  bool Object(JsonValue& out, int depth) {
-    out.type = JsonValue::Type::Object;
-    ++pos_;
-    Blanks();
-    if (pos_ < text_.size() && text_[pos_] == '}') {
-      ++pos_;
-      return true;
-    }
-    for (;;) {
-      Blanks();
-      if (pos_ >= text_.size() || text_[pos_] != '"') return Fail("expected a member name in quotes");
-      std::string key;
-      if (!String(key)) return false;
-      Blanks();
-      if (pos_ >= text_.size() || text_[pos_] != ':') return Fail("expected ':' after a member name");
-      ++pos_;
-      out.members.emplace_back(std::move(key), JsonValue());
-      if (!Value(out.members.back().second, depth + 1)) return false;
-      Blanks();
-      if (pos_ < text_.size() && text_[pos_] == ',') {
-        ++pos_;
-        continue;
-      }
-      if (pos_ < text_.size() && text_[pos_] == '}') {
-        ++pos_;
-        return true;
-      }
-      return Fail("expected ',' or '}'");
-    }
-  }
-
   std::string_view text_;
   size_t pos_ = 0;
   std::string error_;
 };
 
 }  // namespace
+
+JsonValue::~JsonValue() {
+  // Releases nested values one at a time instead of by recursion.
+  std::vector<JsonValue> pending;
+  auto takeChildren = [&pending](JsonValue& value) {
+    for (auto& item : value.items) pending.push_back(std::move(item));
+    value.items.clear();
+    for (auto& member : value.members) pending.push_back(std::move(member.second));
+    value.members.clear();
+  };
+  takeChildren(*this);
+  while (!pending.empty()) {
+    JsonValue value = std::move(pending.back());
+    pending.pop_back();
+    takeChildren(value);
+  }
+}
 
 const JsonValue* JsonValue::Find(std::string_view key) const {
   for (const auto& [name, value] : members)

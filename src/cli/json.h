@@ -11,7 +11,16 @@
 
 namespace nx {
 
+// Values may nest as deep as the memory allows: neither reading nor
+// releasing them recurses.
 struct JsonValue {
+  JsonValue() = default;
+  ~JsonValue();
+  JsonValue(JsonValue&&) = default;
+  JsonValue& operator=(JsonValue&&) = default;
+  JsonValue(const JsonValue&) = delete;
+  JsonValue& operator=(const JsonValue&) = delete;
+
   enum class Type { Null, Bool, Number, String, Array, Object };
   Type type = Type::Null;
   bool boolean = false;

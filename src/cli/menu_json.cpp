@@ -1,65 +1,106 @@
 #include "cli/menu_json.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <vector>
 
 #include "platform/text.h"
 
 namespace nx {
 namespace {
 
+// Items deeper than this are written at its indentation, so that the size of
+// the text grows with the number of items and not with their depth.
+constexpr size_t kDeepestIndentedLevel = 10;
+
 void Indent(std::string& out, size_t depth) { out.append(depth * 2, ' '); }
 
-bool ReadItems(const JsonValue& list, cMenuItem& parent, const std::string& where, std::string& error);
+// The indentation of an item at `level` (its members one step deeper).
+size_t ItemIndent(size_t level) { return 2 + 2 * std::min(level, kDeepestIndentedLevel); }
 
-bool ReadItem(const JsonValue& value, cMenuItem& parent, const std::string& where, std::string& error) {
+// The fields of one item, not its children; false with `error` naming the
+// problem and the member, after the place of the item that the caller puts
+// before it.
+bool ReadFields(const JsonValue& value, cMenuItem& item, std::string& error) {
   if (value.type != JsonValue::Type::Object) {
-    error = where + ": an item must be an object";
+    error = ": an item must be an object";
     return false;
   }
-  MenuItemPtr item = cMenuItem::New();
   for (const auto& [name, member] : value.members) {
-    const std::string place = where + "." + name;
+    const std::string place = "." + name;
     if (name == "caption" || name == "action") {
       if (member.type != JsonValue::Type::String) {
         error = place + ": must be a text";
         return false;
       }
-      (name == "caption" ? item->Caption : item->Action) = Utf8ToWide(member.text);
+      (name == "caption" ? item.Caption : item.Action) = Utf8ToWide(member.text);
     } else if (name == "hotKey") {
       if (member.type != JsonValue::Type::Number || !member.isInteger || member.integer < INT32_MIN ||
           member.integer > INT32_MAX) {
         error = place + ": must be a whole number from -2147483648 to 2147483647";
         return false;
       }
-      item->HotKey = static_cast<int32_t>(member.integer);
+      item.HotKey = static_cast<int32_t>(member.integer);
     } else if (name == "discard") {
       if (member.type != JsonValue::Type::Bool) {
         error = place + ": must be true or false";
         return false;
       }
-      item->Discard = member.boolean;
+      item.Discard = member.boolean;
     } else if (name == "items") {
-      if (!ReadItems(member, *item, place, error)) return false;
+      if (member.type != JsonValue::Type::Array) {
+        error = place + ": must be a list of items";
+        return false;
+      }
     } else if (name != "menuId" && name != "hotKeyText") {
       error = place + ": unknown member";
       return false;
     }
   }
   if (!value.Find("caption")) {
-    error = where + ": the item has no \"caption\"";
+    error = ": the item has no \"caption\"";
     return false;
   }
-  parent.SubItems.Add(1, &parent, item);
   return true;
 }
 
-bool ReadItems(const JsonValue& list, cMenuItem& parent, const std::string& where, std::string& error) {
-  if (list.type != JsonValue::Type::Array) {
-    error = where + ": must be a list of items";
+// Fills `root` from the list `items`, top down and without recursion: each
+// item joins its parent before its own children are read, so that it is
+// still a leaf when it is added.
+bool ReadTree(const JsonValue& items, cMenuItem& root, std::string& error) {
+  if (items.type != JsonValue::Type::Array) {
+    error = "items: must be a list of items";
     return false;
   }
-  for (size_t i = 0; i < list.items.size(); ++i)
-    if (!ReadItem(list.items[i], parent, where + "[" + std::to_string(i) + "]", error)) return false;
+  struct Level {
+    const JsonValue* list;
+    cMenuItem* parent;
+    size_t next;
+  };
+  std::vector<Level> stack{{&items, &root, 0}};
+  // "items[2].items[0]": the place of the item each level is at, built only
+  // for a message, as it grows with the depth.
+  auto where = [&stack] {
+    std::string place;
+    for (const Level& level : stack)
+      place += (place.empty() ? "items[" : ".items[") + std::to_string(level.next - 1) + "]";
+    return place;
+  };
+  while (!stack.empty()) {
+    Level& level = stack.back();
+    if (level.next >= level.list->items.size()) {
+      stack.pop_back();
+      continue;
+    }
+    const JsonValue& value = level.list->items[level.next++];
+    MenuItemPtr item = cMenuItem::New();
+    if (!ReadFields(value, *item, error)) {
+      error = where() + error;
+      return false;
+    }
+    level.parent->SubItems.Add(1, level.parent, item);
+    if (const JsonValue* children = value.Find("items")) stack.push_back({children, item.get(), 0});
+  }
   return true;
 }
 
@@ -70,7 +111,7 @@ std::string MenuToJson(const cMenuItem& root, bool complete, const MenuJsonOptio
   WalkTree(
       root,
       [&](const cMenuItem& item, size_t level, int position) {
-        const size_t depth = 2 + 2 * level;  // the item's own indentation
+        const size_t depth = ItemIndent(level);
         out += position > 1 ? ",\n" : "\n";
         Indent(out, depth);
         out += "{\n";
@@ -89,7 +130,7 @@ std::string MenuToJson(const cMenuItem& root, bool complete, const MenuJsonOptio
         return true;
       },
       [&](const cMenuItem& item, size_t level) {
-        const size_t depth = 2 + 2 * level;
+        const size_t depth = ItemIndent(level);
         if (item.SubItems.Count() > 0) {
           out += "\n";
           Indent(out, depth + 1);
@@ -123,7 +164,7 @@ MenuItemPtr MenuFromJson(const JsonValue& document, std::string& error) {
   }
   MenuItemPtr root = cMenuItem::New();
   root->Caption = L"[root]";
-  if (!ReadItems(*items, *root, "items", error)) return nullptr;
+  if (!ReadTree(*items, *root, error)) return nullptr;
   return root;
 }
 

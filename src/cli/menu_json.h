@@ -16,7 +16,9 @@ struct MenuJsonOptions {
   std::function<std::wstring(int32_t)> hotKeyText;  // add "hotKeyText" when set
 };
 
-// The tree below `root` as one JSON document, two-space indented.
+// The tree below `root` as one JSON document, two-space indented; items
+// deeper than ten levels are no further indented. Any tree is written, and
+// reads back whatever its depth.
 std::string MenuToJson(const cMenuItem& root, bool complete, const MenuJsonOptions& options);
 
 // A tree from a JSON document; null with `error` naming the place and the

@@ -20,6 +20,7 @@
 #include "defs/def_actions.h"
 #include "defs/def_text.h"
 #include "menu/menu_editor.h"
+#include "menu/menu_file.h"
 #include "menu/menu_listing.h"
 #include "platform/list_order.h"
 #include "platform/code_page.h"
@@ -70,7 +71,12 @@ const std::map<std::string, std::string> kCommandHelp = {
      "\n"
      "Prints MENU as JSON: {\"items\": [ITEM, ...], \"complete\": BOOL}, ITEM being\n"
      "{\"caption\", \"action\", \"hotKey\", \"discard\", \"items\"}. from-json turns it back\n"
-     "into the same bytes, given the same braille display profile.\n"
+     "into the same bytes, given the same braille display profile and code page.\n"
+     "A file that reads completely but is not in the form the menu editor writes (a\n"
+     "level that jumps by more than one, a braille-button record whose code is not\n"
+     "the profile's or that has the discard bit too) cannot come back the same: a\n"
+     "one-line warning naming the file says so on standard error, and the JSON is\n"
+     "printed with exit status 0 all the same.\n"
      "Exit status 1 when the file is missing or damaged.\n"},
     {"from-json",
      "usage: nxmenu from-json JSON MENU [--braille INI] [--codepage CP]\n"
@@ -98,12 +104,15 @@ const std::map<std::string, std::string> kCommandHelp = {
      "  menu file that does not read completely.\n"
      "--braille NAME reads braille codes from NAME.ini beside each menu. Key names come\n"
      "from gKeyCode.def beside the menu or one folder up. Exit status 1 when anything\n"
-     "was reported.\n"},
+     "was reported. A menu that is not in the form the menu editor writes (see\n"
+     "to-json --help) gets a warning on standard error, which is not counted.\n"},
     {"format-key",
      "usage: nxmenu format-key CODE [--keys KEYCODE_DEF] [--braille INI]\n"
      "\n"
-     "Prints the text of a hot-key code given in decimal or 0x-hexadecimal,\n"
-     "for example 0x00030074 (C+S+F5 with key names) or 0x40000005 ([Dot 1+Dot 3]).\n"},
+     "Prints the text of a hot-key code given in decimal (negative too, as hot-key\n"
+     "codes are signed 32-bit numbers) or 0x-hexadecimal, for example 0x00030074\n"
+     "(C+S+F5 with key names), 0x40000005 ([Dot 1+Dot 3]) or -1073610750 (a status\n"
+     "button). Arguments after -- are never taken for options.\n"},
 };
 
 void Out(const std::string& text) { std::fwrite(text.data(), 1, text.size(), stdout); }
@@ -118,13 +127,25 @@ struct Options {
   bool help = false;
 };
 
+bool IsNegativeNumber(const std::string& word) {
+  return word.size() > 1 && word[0] == '-' &&
+         std::all_of(word.begin() + 1, word.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
 // Splits arguments into positional ones, "--name value" options and flags.
-// False, with `error`, for an unknown option or a missing value.
+// A negative decimal number (a hot-key code) is positional, and so is
+// everything after "--". False, with `error`, for an unknown option or a
+// missing value.
 bool ParseOptions(const std::vector<std::wstring>& in, const std::set<std::string>& withValue,
                   const std::set<std::string>& flags, Options& out, std::string& error) {
+  bool optionsEnded = false;
   for (size_t i = 0; i < in.size(); ++i) {
     const std::string word = U8(in[i]);
-    if (word == "--help" || word == "-h") {
+    if (optionsEnded || IsNegativeNumber(word)) {
+      out.args.push_back(in[i]);
+    } else if (word == "--") {
+      optionsEnded = true;
+    } else if (word == "--help" || word == "-h") {
       out.help = true;
     } else if (withValue.count(word)) {
       if (i + 1 >= in.size()) {
@@ -207,6 +228,22 @@ MenuItemPtr ReadMenu(Tools& tools, const std::wstring& path, const std::wstring&
   return nullptr;
 }
 
+// Whether from-json would write the menu read from `path` back byte for
+// byte, which it cannot for a file the writer would not have made.
+bool WritesBackTheSame(const Tools& tools, const std::wstring& path, const cMenuItem& root) {
+  std::string bytes;
+  if (!ReadFileBytes(path, bytes)) return false;
+  const auto written = SerializeMenu(root, *tools.page, nullptr);
+  return written && *written == bytes;
+}
+
+void WarnIfNotWritersForm(const Tools& tools, const std::wstring& path, const cMenuItem& root) {
+  if (WritesBackTheSame(tools, path, root)) return;
+  Err("nxmenu: warning: " + U8(path) +
+      ": not in the form the menu editor writes (a level jump, or braille codes other than the profile's); "
+      "from-json will not give back the same bytes\n");
+}
+
 void DumpText(const cMenuItem& root, cDefActions& defs, const std::wstring& keys) {
   WalkTree(
       root,
@@ -257,6 +294,7 @@ int Dump(const std::vector<std::wstring>& argv, bool json) {
       jsonOptions.hotKeyText = [&](int32_t code) { return SafeKeyText(*tools.defs, keys, code); };
     }
     Out(MenuToJson(*root, complete, jsonOptions));
+    if (json && complete) WarnIfNotWritersForm(tools, options.args[0], *root);
   } else {
     DumpText(*root, *tools.defs, keys);
   }
@@ -291,9 +329,16 @@ int FromJson(const std::vector<std::wstring>& argv) {
     Err("nxmenu: " + U8(source) + ": not a menu: " + error + "\n");
     return 1;
   }
-  if (!tools.defs->FlushCommand2Def(options.args[1], Value(options, "--braille"), *root)) {
-    Err("nxmenu: " + U8(options.args[1]) +
-        ": cannot be written (a text over 65,535 bytes, or the folder is not writable); the old file is unchanged\n");
+  const std::wstring braille = Value(options, "--braille");
+  std::wstring failed;
+  if (!tools.defs->FlushCommand2Def(options.args[1], braille, *root, &failed)) {
+    if (failed == braille)
+      Err("nxmenu: " + U8(braille) + ": the braille codes could not be written into section Actions; " +
+          U8(options.args[1]) + " was written without them\n");
+    else
+      Err("nxmenu: " + U8(options.args[1]) +
+          ": cannot be written (a text over 65,535 bytes, deeper than 32,768 levels, or the folder is not "
+          "writable); the old file is unchanged\n");
     return 1;
   }
   return 0;
@@ -323,6 +368,8 @@ int CheckMenu(Tools& tools, const std::wstring& path, const std::wstring& displa
     Out(name + ": the file does not read completely (damaged or cut short)\n");
     ++problems;
     if (!root) return problems;
+  } else {
+    WarnIfNotWritersForm(tools, path, *root);
   }
   std::map<int32_t, std::vector<std::wstring>> byKey;
   WalkTree(

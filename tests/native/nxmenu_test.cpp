@@ -2,7 +2,10 @@
 // round trips through JSON.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstring>
+#include <cwchar>
 #include <string>
 
 #include "temp_folder.h"
@@ -12,11 +15,12 @@ namespace {
 
 struct CliRun {
   int status;
-  std::string out;  // standard output and standard error together
+  std::string out;  // standard output and standard error together, unless sent elsewhere
 };
 
-CliRun Nxmenu(const std::string& args) {
-  const std::string command = std::string(NXMENU_PATH) + " " + args + " 2>&1";
+// `errorsTo` is where the shell sends standard error: "&1" or a quoted file.
+CliRun Nxmenu(const std::string& args, const std::string& errorsTo = "&1") {
+  const std::string command = std::string(NXMENU_PATH) + " " + args + " 2>" + errorsTo;
   CliRun run{-1, ""};
   FILE* pipe = popen(command.c_str(), "r");
   if (!pipe) return run;
@@ -30,6 +34,20 @@ CliRun Nxmenu(const std::string& args) {
 std::string Q(const std::filesystem::path& p) { return "'" + p.string() + "'"; }
 
 const std::filesystem::path kDemo = NX_DEMO_DIR;
+
+// One record of a menu file: level, key word, caption, no action.
+std::string Record(int16_t level, uint32_t keyWord, const std::string& caption) {
+  std::string out;
+  auto put = [&out](uint32_t v, int width) {
+    for (int i = 0; i < width; ++i) out += static_cast<char>((v >> (8 * i)) & 0xFF);
+  };
+  put(static_cast<uint16_t>(level), 2);
+  put(keyWord, 4);
+  put(static_cast<uint32_t>(caption.size()), 2);
+  out += caption;
+  put(0, 2);
+  return out;
+}
 
 TEST(Nxmenu, DemoMenusRoundTripByteForByte) {
   test::TempFolder dir;
@@ -89,6 +107,12 @@ TEST(Nxmenu, ProblemsAndExitCodes) {
       {"format-key 0x80000041", 1, "not a hot-key code that a menu can hold"},
       {"format-key 0x40000005", 0, "[H1+H4]"},
       {"format-key 196724 --keys " + Q(kDemo / "Set" / "gKeyCode.def"), 0, "C+S+F5"},
+      // Hot-key codes are signed: a status button is negative in decimal.
+      {"format-key -1073610750 --braille " + Q(kDemo / "Set" / "Focus 40.ini"), 0, "[Routing 3]"},
+      {"format-key --braille " + Q(kDemo / "Set" / "Focus 40.ini") + " -1073610750", 0, "[Routing 3]"},
+      {"format-key -- 0x40000005", 0, "[H1+H4]"},
+      {"format-key -- -x", 2, "-x is not a code"},
+      {"format-key -x", 2, "unknown option -x"},
       {"check " + Q(kDemo) + " --braille 'Focus 40'", 0, ""},
       {"check " + d, 1, "not an installation"},
       {"--help", 0, "usage: nxmenu COMMAND"},
@@ -113,6 +137,98 @@ TEST(Nxmenu, ProblemsAndExitCodes) {
   CliRun dumpCut = Nxmenu("to-json " + d + "cut.mnu");
   EXPECT_EQ(dumpCut.status, 1);
   EXPECT_NE(dumpCut.out.find("\"complete\": false"), std::string::npos) << dumpCut.out;
+}
+
+// Whatever to-json writes, from-json reads back, down to the deepest menu a
+// file can hold (a level is 16 bits), and beyond that it says why it cannot
+// write the file instead of running out of stack.
+TEST(Nxmenu, DeepMenusRoundTrip) {
+  test::TempFolder dir;
+  std::string deepest;
+  for (int level = 0; level <= 32767; ++level) deepest += Record(static_cast<int16_t>(level), 0, "a");
+  dir.Write(L"deep.mnu", deepest);
+  const std::string d = dir.Fs().string() + "/";
+  CliRun toJson = Nxmenu("to-json " + d + "deep.mnu > " + d + "deep.json");
+  ASSERT_EQ(toJson.status, 0) << toJson.out;
+  EXPECT_LT(std::filesystem::file_size(dir.Fs() / "deep.json"), 32768u * 1000);  // not growing with the depth
+  CliRun fromJson = Nxmenu("from-json " + d + "deep.json " + d + "copy.mnu");
+  ASSERT_EQ(fromJson.status, 0) << fromJson.out;
+  EXPECT_TRUE(dir.Read(L"copy.mnu") == deepest);
+
+  std::string tooDeep = "{\"items\": ";
+  for (int i = 0; i < 100000; ++i) tooDeep += "[{\"caption\": \"a\", \"items\": ";
+  tooDeep += "[]";
+  for (int i = 0; i < 100000; ++i) tooDeep += "}]";
+  dir.Write(L"too-deep.json", tooDeep + "}");
+  dir.Write(L"nested.json", "{\"items\": " + std::string(1000000, '[') + std::string(1000000, ']') + "}");
+  const struct {
+    const char* json;
+    const char* message;
+  } refused[] = {{"too-deep.json", "deeper than 32,768 levels"},
+                 {"nested.json", "items[0]: an item must be an object"}};
+  for (const auto& c : refused) {
+    CliRun run = Nxmenu("from-json " + d + c.json + " " + d + "refused.mnu");
+    EXPECT_EQ(run.status, 1) << c.json;
+    EXPECT_NE(run.out.find(c.message), std::string::npos) << c.json << run.out.substr(0, 400);
+  }
+  EXPECT_FALSE(std::filesystem::exists(dir.Fs() / "refused.mnu"));
+}
+
+// Files that read completely but that the writer would not have made cannot
+// come back byte for byte; to-json and check say so and go on.
+TEST(Nxmenu, FilesNotInTheWritersFormAreNamedInAWarning) {
+  test::TempFolder dir;
+  const std::string d = dir.Fs().string() + "/";
+  const struct {
+    const wchar_t* name;
+    std::string bytes;
+    bool warned;
+  } cases[] = {
+      {L"plain.mnu", Record(0, 0, "a") + Record(1, 0x80000041u, "b") + Record(0, 0, "c"), false},
+      {L"jump.mnu", Record(0, 0, "a") + Record(2, 0, "b"), true},
+      {L"braille.mnu", Record(0, 0x40000005u, "a"), true},  // the profile (none) has no code 5
+      {L"both.mnu", Record(0, 0xC0000000u, "a"), true},     // discard beside a braille button
+      {L"bare.mnu", Record(0, 0x40000000u, "a"), false},
+  };
+  for (const auto& c : cases) {
+    dir.Write(c.name, c.bytes);
+    const std::string file = d + std::string(c.name, c.name + std::wcslen(c.name));
+    const std::string warning = "nxmenu: warning: " + file + ": not in the form the menu editor writes";
+    CliRun toJson = Nxmenu("to-json " + file + " > " + d + "out.json", Q(dir.Fs() / "stderr"));
+    EXPECT_EQ(toJson.status, 0) << file;
+    const std::string err = dir.Read(L"stderr");
+    EXPECT_EQ(err.find(warning) == 0 && std::count(err.begin(), err.end(), '\n') == 1, c.warned) << file << err;
+    ASSERT_EQ(Nxmenu("from-json " + d + "out.json " + d + "back.mnu").status, 0);
+    EXPECT_EQ(dir.Read(L"back.mnu") == c.bytes, !c.warned) << file;
+    CliRun check = Nxmenu("check " + file);
+    EXPECT_EQ(check.status, 0) << check.out;
+    EXPECT_EQ(check.out.find(warning) != std::string::npos, c.warned) << check.out;
+  }
+  EXPECT_NE(Nxmenu("to-json --help").out.find("one-line warning naming the file"), std::string::npos);
+}
+
+// The braille codes that cannot be written are a failed write too, reported
+// in one line that names the profile.
+TEST(Nxmenu, FromJsonReportsLostBrailleCodes) {
+  test::TempFolder dir;
+  const std::string d = dir.Fs().string() + "/";
+  dir.Write(L"braille.json", R"({"items": [{"caption": "A", "action": "Beep", "hotKey": 1073741829}]})");
+  const struct {
+    std::string braille;
+    int status;
+    std::string message;
+  } cases[] = {
+      {d + "Focus 40.ini", 0, ""},
+      {d + "no folder/Focus 40.ini", 1,
+       "nxmenu: " + d + "no folder/Focus 40.ini: the braille codes could not be written"},
+  };
+  for (const auto& c : cases) {
+    CliRun run = Nxmenu("from-json " + d + "braille.json " + d + "out.mnu --braille " + Q(c.braille));
+    EXPECT_EQ(run.status, c.status) << run.out;
+    EXPECT_EQ(run.out.find(c.message), 0u) << run.out;
+    EXPECT_EQ(std::count(run.out.begin(), run.out.end(), '\n'), c.status) << run.out;
+  }
+  EXPECT_EQ(dir.Read(L"Focus 40.ini"), "[Actions]\r\nBeep=5\r\n");
 }
 
 TEST(Nxmenu, ExportHelpRewritesOnlyTheMarkedSection) {
