@@ -84,6 +84,81 @@ TEST_F(MenuFileTest, TheTwoItemExampleByteForByte) {
   EXPECT_EQ(counter_, 258);
 }
 
+// Each row: an item of the tree and its record exactly as the file holds it.
+TEST_F(MenuFileTest, ADeeperTreeByteForByte) {
+  const struct {
+    int level;
+    const wchar_t *caption, *action;
+    int32_t hotKey;
+    bool discard;
+    std::string record;
+  } rows[] = {
+      {0, L"File", L"", 0, false,
+       "\x00\x00"
+       "\x00\x00\x00\x00"
+       "\x04\x00"
+       "File"
+       "\x00\x00"s},
+      {1, L"Open", L"open.vbs", 0x00020041, true,  // C+A, discarded
+       "\x01\x00"
+       "\x41\x00\x02\x80"
+       "\x04\x00"
+       "Open"
+       "\x08\x00"
+       "open.vbs"s},
+      {2, L"Beep", L"Beep", 0x4000012A, true,  // a braille button keeps no Discard
+       "\x02\x00"
+       "\x2A\x01\x00\x40"
+       "\x04\x00"
+       "Beep"
+       "\x04\x00"
+       "Beep"s},
+      {1, L"Close", L"Quit", 0x20000074, false,  // Narrix+F5
+       "\x01\x00"
+       "\x74\x00\x00\x20"
+       "\x05\x00"
+       "Close"
+       "\x04\x00"
+       "Quit"s},
+      {0, L"Help", L"", 0, false,
+       "\x00\x00"
+       "\x00\x00\x00\x00"
+       "\x04\x00"
+       "Help"
+       "\x00\x00"s},
+  };
+  auto root = cMenuItem::New();
+  std::vector<cMenuItem*> parents{root.get()};
+  std::string expected;
+  for (const auto& row : rows) {
+    parents.resize(static_cast<size_t>(row.level) + 1);
+    auto item = parents.back()->SubItems.Add(1, parents.back(), cMenuItem::New());
+    item->Caption = row.caption;
+    item->Action = row.action;
+    item->HotKey = row.hotKey;
+    item->Discard = row.discard;
+    parents.push_back(item.get());
+    expected += row.record;
+  }
+  EXPECT_EQ(Serialize(*root), expected);
+  EXPECT_EQ(braille_, "Beep=298;");
+
+  const auto read = Parse(expected);  // the profile gives 0x12A
+  EXPECT_TRUE(read.complete);
+  EXPECT_EQ(Shape(*read.root), "File[256](Open[257](Beep[258])Close[259])Help[260]");
+  size_t i = 0;
+  WalkTree(
+      static_cast<const cMenuItem&>(*read.root),
+      [&](const cMenuItem& item, size_t, int) {
+        EXPECT_EQ(item.HotKey, rows[i].hotKey) << i;
+        EXPECT_EQ(item.Discard, rows[i].discard && !(rows[i].hotKey & kBrailleBit)) << i;
+        ++i;
+        return true;
+      },
+      [](const cMenuItem&, size_t) {});
+  EXPECT_EQ(Serialize(*read.root), expected);
+}
+
 TEST_F(MenuFileTest, DiscardAndBrailleBits) {
   const std::string bytes = Record(0, 0x80000041u, "Keyboard", "SayLine") +  // discard, key 0x41
                             Record(0, 0x40000005u, "Button", "Beep") +       // braille: code from the profile
