@@ -1,0 +1,68 @@
+// libFuzzer: a braille display profile on any bytes: the button names of
+// section KeyMap with the braille key texts made from them, and the codes of
+// section Actions as the menu reader looks them up, for every key the input
+// names.
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "defs/def_actions.h"
+#include "menu/menu_file.h"
+#include "scratch_file.h"
+
+namespace {
+
+// A menu with one braille-button item for each "name=" line of the profile
+// (and one with no action), so that the reader looks each name up.
+std::string MenuNaming(std::string_view profile) {
+  std::string menu;
+  auto record = [&menu](std::string_view action) {
+    if (action.size() > 0xFFFF) return;
+    const char fixed[] = {0, 0, 0, 0, 0, 0x40, 1, 0, 'x'};  // level 0, braille, caption "x"
+    menu.append(fixed, sizeof(fixed));
+    menu += static_cast<char>(action.size() & 0xFF);
+    menu += static_cast<char>(action.size() >> 8);
+    menu += action;
+  };
+  record("");
+  for (size_t start = 0; start < profile.size();) {
+    size_t end = profile.find('\n', start);
+    if (end == std::string_view::npos) end = profile.size();
+    const std::string_view line = profile.substr(start, end - start);
+    const size_t equals = line.find('=');
+    if (equals != std::string_view::npos) record(line.substr(0, equals));
+    start = end + 1;
+  }
+  return menu;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  static const nx::BuiltinCodePage page(1252);
+  static nx::PortableProfile profile(page);
+  const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+  const nx::fuzz::ScratchFile ini("profile.ini", bytes), menu("Command.mnu", MenuNaming(bytes));
+  nx::cDefActions defs(page, profile);
+  defs.InitBrailleKeyMap(ini.Path());
+  profile.GetInt(L"Braille", L"BrailleActive", 0, ini.Path());
+  uint32_t code = 0;
+  if (size >= 4) std::memcpy(&code, data, 4);
+  for (uint32_t variant : {code | 0x40000000u, (code | 0x40000000u) & 0x7FFFFFFFu, 0xC0020000u | (code & 0xFFFF),
+                           0xC0040000u | (code & 0x7FFF)}) {
+    int32_t value = static_cast<int32_t>(variant);
+    try {
+      defs.GetKeyCodeAsTextEx(L"", value);
+    } catch (const std::overflow_error&) {
+    }
+  }
+  bool complete = false;
+  const nx::MenuItemPtr root = defs.InitCommandDef(menu.Path(), ini.Path(), &complete);
+  if (!root || !complete) __builtin_trap();
+  for (const auto& item : root->SubItems)
+    if (!(item->HotKey & nx::kBrailleBit)) __builtin_trap();
+  return 0;
+}
