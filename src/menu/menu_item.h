@@ -21,8 +21,9 @@ class cMenuItem;
 using MenuItemPtr = std::shared_ptr<cMenuItem>;
 
 // The Parent of an item: used like a plain pointer, but it never outlives
-// the item it names (that item's end turns it into null). Only items made
-// by cMenuItem::New can be named; any other item reads as null.
+// the item it names (that item's end turns it into null). Only an item that
+// a MenuItemPtr holds (as every item made by cMenuItem::New is) can be
+// named; any other item reads as null.
 class ParentLink {
  public:
   ParentLink() = default;
