@@ -305,6 +305,14 @@ bool fMenuDef::trvMenu_KeyDown(int key, int shift) {
     OpenContextMenu();
     return true;
   }
+  // After a delete no node is selected, and a tree control without a
+  // selection does not move on the arrow keys: they start at the top node.
+  constexpr int kHome = 36, kUp = 38, kDown = 40;
+  if (shift == 0 && (key == kHome || key == kUp || key == kDown) && !view_.SelectedNode() && root_) {
+    view_.SelectNode(NodeKey(root_->MenuId));
+    trvMenu_NodeClick(NodeKey(root_->MenuId));
+    return true;
+  }
   const struct {
     int key, shift;
     EditorCommand command;

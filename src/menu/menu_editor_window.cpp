@@ -79,7 +79,16 @@ INT_PTR MenuEditorWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) 
       // A new item pending from the command line starts once the tree has
       // the focus, after the messages already waiting.
       if (header->idFrom == IDC_TRV_MENU && header->code == NM_SETFOCUS) PostMessageW(hwnd_, kTreeFocused, 0, 0);
+      // A tree without a selection picks its first node itself when it gets
+      // the focus back, for example from the question about a deleted
+      // item's script; the tree is to stay without one until the user moves.
+      if (header->idFrom == IDC_TRV_MENU && header->code == TVN_SELCHANGINGW && unselected_ &&
+          reinterpret_cast<const NMTREEVIEWW*>(lParam)->action == TVC_UNKNOWN) {
+        SetWindowLongPtrW(hwnd_, DWLP_MSGRESULT, TRUE);
+        return TRUE;
+      }
       if (header->idFrom == IDC_TRV_MENU && header->code == TVN_SELCHANGEDW && !updating_) {
+        unselected_ = false;
         const auto* change = reinterpret_cast<const NMTREEVIEWW*>(lParam);
         auto key = keys_.find(change->itemNew.hItem);
         if (key != keys_.end()) logic_.trvMenu_NodeClick(key->second);
@@ -132,6 +141,7 @@ void MenuEditorWindow::OnContextMenu(HWND from, LPARAM position) {
     ScreenToClient(Tree(), &hit.pt);
     HTREEITEM item = TreeView_HitTest(Tree(), &hit);
     if (!item || !(hit.flags & TVHT_ONITEM)) return;
+    unselected_ = false;
     TreeView_SelectItem(Tree(), item);
   }
   logic_.OpenContextMenu();
@@ -211,6 +221,7 @@ void MenuEditorWindow::EndTreeUpdate() {
   SendMessageW(Tree(), WM_SETREDRAW, TRUE, 0);
   InvalidateRect(Tree(), nullptr, TRUE);
   updating_ = false;
+  unselected_ = TreeView_GetSelection(Tree()) == nullptr;
 }
 
 void MenuEditorWindow::ClearTree() {
@@ -248,7 +259,9 @@ std::optional<std::wstring> MenuEditorWindow::SelectedNode() const {
 
 void MenuEditorWindow::SelectNode(const std::wstring& key) {
   auto node = nodes_.find(key);
-  if (node != nodes_.end()) TreeView_SelectItem(Tree(), node->second);
+  if (node == nodes_.end()) return;
+  unselected_ = false;
+  TreeView_SelectItem(Tree(), node->second);
 }
 
 std::wstring MenuEditorWindow::NodeText(const std::wstring& key) const {

@@ -390,13 +390,20 @@ TEST_F(MenuEditorTest, DeleteAsksAndCleansUpScripts) {
     prompts_.asked.clear();
     prompts_.answers.assign(step.answers.begin(), step.answers.end());
     view_.SelectText(step.item);
+    editor_.trvMenu_NodeClick(*view_.selected);
     EXPECT_TRUE(editor_.trvMenu_KeyDown(46, 0));
     ASSERT_FALSE(prompts_.asked.empty());
     EXPECT_EQ(prompts_.asked[0].text, step.question);
     EXPECT_EQ(prompts_.asked[0].style, step.style);
     EXPECT_EQ(view_.Shape(), step.shape);
+    // Kept, the item stays selected and shown; deleted, nothing is selected
+    // and the fields are empty.
+    const bool kept = step.answers[0] == mb::kIdNo;
+    EXPECT_EQ(view_.selected.has_value(), kept) << WideToUtf8(step.item);
+    EXPECT_EQ(view_.fields[0], kept ? step.item : L"");
+    EXPECT_EQ(view_.fields[1], L"");
+    EXPECT_EQ(view_.fields[2], L"");
   }
-  EXPECT_EQ(view_.fields[0], L"Quit");  // the neighbour of Edit is selected and shown
   EXPECT_FALSE(std::filesystem::exists(dir_.Fs() / "Set" / "notepad" / "Open.vbs"));
   EXPECT_FALSE(std::filesystem::exists(dir_.Fs() / "Set" / "notepad" / "Open.frm"));
 
@@ -410,6 +417,27 @@ TEST_F(MenuEditorTest, DeleteAsksAndCleansUpScripts) {
   editor_.cmdOK_Click();  // no tree: the file goes
   EXPECT_FALSE(std::filesystem::exists(dir_.Fs() / "Set" / "notepad" / "Command.mnu"));
   EXPECT_TRUE(view_.closed);
+}
+
+// With no node selected (after a delete) the moving keys start at the top
+// node; with one they are the tree's own.
+TEST_F(MenuEditorTest, MovingKeysWithoutASelectionStartAtTheTop) {
+  Open();
+  const struct {
+    int key, shift;
+    bool selectsTop;
+  } keys[] = {{40, 0, true}, {38, 0, true}, {36, 0, true}, {35, 0, false}, {40, 2, false}, {39, 0, false}};
+  for (const auto& k : keys) {
+    view_.selected.reset();
+    view_.SetFields(L"", L"", L"");
+    EXPECT_EQ(editor_.trvMenu_KeyDown(k.key, k.shift), k.selectsTop) << k.key;
+    EXPECT_EQ(view_.selected, k.selectsTop ? std::optional<std::wstring>(view_.nodes[0].key) : std::nullopt) << k.key;
+    EXPECT_EQ(view_.fields[0], k.selectsTop ? L"Application (notepad)" : L"") << k.key;
+  }
+  view_.SelectText(L"Quit");
+  EXPECT_FALSE(editor_.trvMenu_KeyDown(40, 0));
+  EXPECT_FALSE(editor_.trvMenu_KeyDown(36, 0));
+  EXPECT_EQ(view_.selected, L"k261");
 }
 
 TEST_F(MenuEditorTest, ShiftUpAndDownMoveAmongSiblings) {

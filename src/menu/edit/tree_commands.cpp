@@ -127,24 +127,13 @@ void fMenuDef::mnuTreeDelete_Click() {
   if (prompts_.Message(LoadResText(question, item->Caption), mb::kYesNo | mb::kIconQuestion,
                        LoadResText(kProductTitle)) != mb::kIdYes)
     return;
-  // The selection moves to a neighbour, so that the keyboard focus stays on
-  // something: the next sibling, else the one before, else the parent.
   MenuItemPtr removed = item->shared_from_this();
-  cMenuItem* parent = item->Parent;
-  cMenuItem* neighbour = parent;
-  if (parent) {
-    for (int i = 1; i <= parent->SubItems.Count(); ++i) {
-      if (parent->SubItems.item(i).get() != item) continue;
-      if (i < parent->SubItems.Count())
-        neighbour = parent->SubItems.item(i + 1).get();
-      else if (i > 1)
-        neighbour = parent->SubItems.item(i - 1).get();
-      break;
-    }
-  }
   root_->RemoveItem(item);
+  // Nothing is selected afterwards and the fields are empty, so that nothing
+  // suggests the deleted item is still there; the tree keeps the focus and
+  // the next arrow key selects again.
+  Refresh(nullptr);
   view_.SetFields(L"", L"", L"");
-  Refresh(neighbour);
   SetDirty(true);
 
   const std::wstring script = JoinPath(JoinPath(services_.info.DirSet(), gAppName), removed->Caption + L".vbs");
