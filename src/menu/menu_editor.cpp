@@ -119,8 +119,13 @@ void fMenuDef::LoadDefs(const std::wstring& menuDir, const std::wstring& appName
     view_.SelectNode(NodeKey(root_->MenuId));
     trvMenu_NodeClick(NodeKey(root_->MenuId));
   }
-  if (damaged_)
-    prompts_.Message(LoadResText(kDamaged, MenuPath()), mb::kOkOnly | mb::kIconExclamation, LoadResText(kProductTitle));
+  damageToReport_ = damaged_;
+}
+
+void fMenuDef::Form_Activate() {
+  if (!damageToReport_) return;
+  damageToReport_ = false;
+  prompts_.Message(LoadResText(kDamaged, MenuPath()), mb::kOkOnly | mb::kIconExclamation, LoadResText(kProductTitle));
 }
 
 void fMenuDef::FillTree() {

@@ -105,8 +105,13 @@ class fMenuDef {
   // Captions from the string table; the window calls it once when it loads.
   void Form_Load();
   // Prepares the window for one menu: the application `appName` in `menuDir`
-  // (or the general menu in `menuDir`). Reports a damaged menu file once.
+  // (or the general menu in `menuDir`). A damaged menu file is reported by
+  // the next Form_Activate.
   void LoadDefs(const std::wstring& menuDir, const std::wstring& appName, bool general);
+  // The window is shown and modal: reports a damaged menu file found by the
+  // last LoadDefs, once. Reported earlier, the box would stand alone while
+  // the windows behind the editor still took input.
+  void Form_Activate();
   // The menu's items as HTML for the help page: "<H3>A</H3>" and the list,
   // or "" when there is no menu.
   std::wstring ListDefs(const std::wstring& menuDir, const std::wstring& appName, bool general);
@@ -174,6 +179,7 @@ class fMenuDef {
   bool dirty_ = false;
   bool damaged_ = false;   // the file did not read completely
   bool backedUp_ = false;  // the damaged original is kept as .bak
+  bool damageToReport_ = false;
   bool pendingNewDone_ = false;
   MenuItemPtr clipboard_;
   bool cut_ = false;

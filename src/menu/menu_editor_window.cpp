@@ -41,7 +41,12 @@ constexpr UINT kTreeFocused = WM_APP + 1;
 MenuEditorWindow::MenuEditorWindow(HINSTANCE instance, const MenuEditorServices& services, IPrompts* askWith)
     : ModalDialog(instance), logic_(*this, askWith ? *askWith : prompts_, services) {}
 
-void MenuEditorWindow::OnShown() { SendMessageW(hwnd_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Tree()), TRUE); }
+// Only now can a message box be owned by the editor and keep the windows
+// behind it disabled; the tree gets the focus once the box is answered.
+void MenuEditorWindow::OnShown() {
+  logic_.Form_Activate();
+  SendMessageW(hwnd_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Tree()), TRUE);
+}
 
 bool MenuEditorWindow::PreTranslate(const MSG& msg) {
   if (msg.message != WM_KEYDOWN && msg.message != WM_SYSKEYDOWN) return false;

@@ -494,12 +494,17 @@ TEST_F(MenuEditorTest, DamagedFileIsReportedAndKept) {
   dir_.Write(L"Set\\notepad\\Command.mnu", bytes.substr(0, bytes.size() - 3));
   prompts_.answers = {mb::kIdOk};
   Open();
+  EXPECT_TRUE(prompts_.asked.empty());  // not before the window is shown
+  editor_.Form_Activate();
+  editor_.Form_Activate();
   ASSERT_EQ(prompts_.asked.size(), 1u);
-  EXPECT_NE(prompts_.asked[0].text.find(L"Command.mnu is damaged"), std::wstring::npos);
+  EXPECT_NE(prompts_.asked[0].text.find(MenuFile() + L" is damaged"), std::wstring::npos);
   EXPECT_EQ(view_.Shape(), L"Application (notepad)(File(Open Save) Edit(Copy))");
   editor_.cmdApply_Click();
   editor_.cmdApply_Click();
   EXPECT_EQ(dir_.Read(L"Set\\notepad\\Command.mnu.bak"), bytes.substr(0, bytes.size() - 3));
+  Open();  // saved whole: nothing to report
+  editor_.Form_Activate();
   EXPECT_EQ(prompts_.asked.size(), 1u);
 }
 
