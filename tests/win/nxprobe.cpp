@@ -5,6 +5,8 @@
 //   nxprobe absent TITLE [MS]    exit 0 when no such window appears within MS
 //   nxprobe rect TITLE [MS]      the window's place on the screen: x y width height
 //   nxprobe editor TITLE [MS]    the menu editor: node count, the three fields, focus, Apply
+//   nxprobe nodes TITLE [MS]     the editor's visible tree nodes: "x y text" per
+//                                node, x y the middle of its text on the screen
 //   nxprobe popup - [MS]         exit 0 once a pop-up menu is shown
 //   nxprobe braille KIND BUTTON [PRESSED [UNIT]]
 //                                presses a button of every open stand-in braille
@@ -18,6 +20,7 @@
 // language arrive intact whatever the locale of the calling shell.
 // Exit status 0 when the window was found (absent: not found), 1 otherwise.
 #include <windows.h>
+#include <commctrl.h>
 
 #include <cstdlib>
 #include <string>
@@ -99,6 +102,69 @@ int Editor(HWND hwnd) {
   return 0;
 }
 
+// A tree view answers item questions only in its own memory, so they are
+// asked through a block lent from the program's process.
+class RemoteBlock {
+ public:
+  RemoteBlock(HWND window, size_t size) : size_(size) {
+    DWORD id = 0;
+    GetWindowThreadProcessId(window, &id);
+    process_ = OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE, FALSE, id);
+    if (process_) address_ = VirtualAllocEx(process_, nullptr, size, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+  }
+  ~RemoteBlock() {
+    if (address_) VirtualFreeEx(process_, address_, 0, MEM_RELEASE);
+    if (process_) CloseHandle(process_);
+  }
+  RemoteBlock(const RemoteBlock&) = delete;
+  RemoteBlock& operator=(const RemoteBlock&) = delete;
+  bool Usable() const { return address_ != nullptr; }
+  char* At(size_t offset) const { return static_cast<char*>(address_) + offset; }
+  bool Write(size_t offset, const void* data, size_t size) const {
+    return offset + size <= size_ && WriteProcessMemory(process_, At(offset), data, size, nullptr);
+  }
+  bool Read(size_t offset, void* data, size_t size) const {
+    return offset + size <= size_ && ReadProcessMemory(process_, At(offset), data, size, nullptr);
+  }
+
+ private:
+  size_t size_;
+  HANDLE process_ = nullptr;
+  void* address_ = nullptr;
+};
+
+int Nodes(HWND hwnd) {
+  constexpr size_t kRect = 0, kItem = 64, kText = 256, kTextChars = 256;
+  HWND tree = GetDlgItem(hwnd, 1103);
+  RemoteBlock block(tree, kText + kTextChars * sizeof(wchar_t));
+  if (!block.Usable()) {
+    Print(L"no memory in the program's process");
+    return 1;
+  }
+  for (auto node = reinterpret_cast<HTREEITEM>(SendMessageW(tree, TVM_GETNEXTITEM, TVGN_FIRSTVISIBLE, 0)); node;
+       node = reinterpret_cast<HTREEITEM>(
+           SendMessageW(tree, TVM_GETNEXTITEM, TVGN_NEXTVISIBLE, reinterpret_cast<LPARAM>(node)))) {
+    // The item goes in where the rectangle comes back.
+    block.Write(kRect, &node, sizeof(node));
+    if (!SendMessageW(tree, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(block.At(kRect)))) break;  // not shown
+    RECT rect{};
+    block.Read(kRect, &rect, sizeof(rect));
+    TVITEMW item{};
+    item.mask = TVIF_TEXT;
+    item.hItem = node;
+    item.pszText = reinterpret_cast<wchar_t*>(block.At(kText));
+    item.cchTextMax = kTextChars;
+    block.Write(kItem, &item, sizeof(item));
+    SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(block.At(kItem)));
+    wchar_t text[kTextChars] = {};
+    block.Read(kText, text, sizeof(text) - sizeof(wchar_t));
+    POINT middle{(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2};
+    ClientToScreen(tree, &middle);
+    Print(std::to_wstring(middle.x) + L" " + std::to_wstring(middle.y) + L" " + text);
+  }
+  return 0;
+}
+
 BOOL CALLBACK CollectChild(HWND child, LPARAM param) {
   auto* box = reinterpret_cast<BoxContent*>(param);
   const std::wstring cls = ClassOf(child), text = TextOf(child);
@@ -171,7 +237,8 @@ int Braille(int argc, wchar_t** argv) {
 int wmain(int argc, wchar_t** argv) {
   if (argc >= 2 && std::wstring(argv[1]) == L"braille") return Braille(argc, argv);
   if (argc < 3) {
-    Print(L"usage: nxprobe list|message|absent|rect|editor|visible|active TITLE [MS] | popup - [MS] | braille ...");
+    Print(
+        L"usage: nxprobe list|message|absent|rect|editor|nodes|visible|active TITLE [MS] | popup - [MS] | braille ...");
     return 2;
   }
   const std::wstring command = argv[1], title = TitleArgument(argv[2]);
@@ -209,6 +276,7 @@ int wmain(int argc, wchar_t** argv) {
     return 0;
   }
   if (command == L"editor") return Editor(hwnd);
+  if (command == L"nodes") return Nodes(hwnd);
   if (command == L"rect") {
     RECT r{};
     GetWindowRect(hwnd, &r);

@@ -1,9 +1,13 @@
 #!/usr/bin/env bash
-# The menu editor driven from the keyboard under Wine, as our users work:
-# open the notepad menu from the command line, move in the tree, copy and
-# paste as next through the context menu (Shift+F10), delete an item and
-# answer the question, choose an entry in the preview (F9), Apply, and check
-# the saved menu with nxmenu. Every step is checked from outside.
+# The menu editor driven under Wine, as our users work: open the notepad menu
+# from the command line, move in the tree, open the item menu with the
+# context-menu key, copy and paste as next through Shift+F10, delete an item
+# and answer both questions (the item, then its script files), open the item
+# menu with a right click on another item, choose an entry in the preview
+# (F9), Apply, and check the saved menu through `nxmenu to-json`. Then the
+# saved file is damaged and opened again from the list: the report is the
+# editor's own modal message, and the focus lands in the tree after Enter.
+# Every step is checked from outside.
 # Usage: editor_test.sh BIN_DIR NATIVE_NXMENU DEMO_DIR WORK_DIR english|czech
 set -u
 BIN=$(cd "$1" && pwd); NXMENU=$2; DEMO=$(cd "$3" && pwd); WORK=$4; CASE=$5
@@ -12,18 +16,21 @@ source "$HERE/../../scripts/wine-session.sh"
 
 rm -rf "$WORK"; mkdir -p "$WORK"
 cp -r "$DEMO" "$WORK/install"
+set_dir="$WORK/install/Set"
+# The script files of the item that gets deleted.
+printf 'MsgBox "line"\r\n' >"$set_dir/notepad/Current line.vbs"
+printf 'form\r\n' >"$set_dir/notepad/Current line.frm"
 if [ "$CASE" = czech ]; then
   export LC_ALL=cs_CZ.UTF-8 2>/dev/null
   title="Nabídka - notepad"; list_title="Úprava nabídky"; root="Aplikace (notepad)"; copy=k; paste_next=z; apply=alt+u
   question=$'text: Opravdu odstranit položku Current line?\nbutton: &Ano\nbutton: &Ne'
+  script_question=$'text: Smazat soubor Current line.vbs?\nbutton: &Ano\nbutton: &Ne'; yes=a; damaged=" je poškozený"
 else
   title="Menu - notepad"; list_title="Menu modification"; root="Application (notepad)"; copy=c; paste_next=x; apply=alt+a
   question=$'text: Are you sure to remove the item Current line\nbutton: &Yes\nbutton: &No'
+  script_question=$'text: Smazat soubor Current line.vbs?\nbutton: &Yes\nbutton: &No'; yes=y; damaged=" is damaged"
 fi
-printf '%s\n' "$title" >"$WORK/title.txt"
-printf '%s\n' "$list_title" >"$WORK/list-title.txt"
-TITLE="@$(nx_winpath "$WORK/title.txt")"
-LIST_TITLE="@$(nx_winpath "$WORK/list-title.txt")"
+BOX_TITLE="Narrix - Screen Reader"
 
 failures=0
 fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
@@ -38,8 +45,24 @@ expect() {
 press() { sleep 0.6; xdotool key "$@"; }
 # Waits for a pop-up menu before the next key goes to it.
 popup() { timeout 60 wine "$BIN/nxprobe.exe" popup - 20000 >/dev/null 2>&1 || fail "no pop-up menu after $1"; }
+# A pop-up menu that shows up within 2 s, after one was closed, is one too many.
+no_popup() { ! timeout 60 wine "$BIN/nxprobe.exe" popup - 2000 >/dev/null 2>&1 || fail "a pop-up menu after $1"; }
+# Waits up to 20 s for a message box whose content is "$2".
+message() {
+  local got
+  for _ in $(seq 1 20); do
+    got=$(nx_probe "$BIN/nxprobe.exe" message "$BOX_TITLE" 20000)
+    [ "$got" = "$2" ] && return
+    sleep 1
+  done
+  fail "$1"; sed 's/^/    /' <<<"$got"
+}
+# "enabled: yes" or "enabled: no" of the window titled by the argument file $1.
+enabled() { nx_probe "$BIN/nxprobe.exe" active "$1" 20000 | grep '^enabled:'; }
 
 nx_session_start "$WORK" || exit 1
+TITLE=$(nx_title_arg "$title")
+LIST_TITLE=$(nx_title_arg "$list_title")
 nx_set_install "$WORK/install"
 wine "$BIN/narrixmenu.exe" notepad >"$WORK/program.log" 2>&1 &
 pid=$!
@@ -50,6 +73,10 @@ focus: 1103
 apply: disabled"
 press Down; press Down
 expect "Down, Down" "name: Current line"
+press Menu; popup "the context-menu key"; press Escape
+no_popup "Escape"
+expect "Escape closes the item menu" "name: Current line
+focus: 1103"
 press shift+F10; popup Shift+F10; press "$copy"
 press Down
 press shift+F10; popup Shift+F10; press "$paste_next"
@@ -59,11 +86,34 @@ apply: enabled"
 press Up; press Up
 expect "Up, Up to the original" "name: Current line"
 press Delete
-got=$(nx_probe "$BIN/nxprobe.exe" message "Narrix - Screen Reader" 20000)
-[ "$got" = "$question" ] || { fail "delete question"; echo "$got" | sed 's/^/    /'; }
+message "the delete question" "$question"
 press Return  # Yes is the default of this question
-expect "after the delete, its neighbour is selected" "nodes: 10
-name: Current word"
+message "the question about the item's script" "$script_question"
+press "$yes"
+expect "after the delete nothing is selected, the focus stays in the tree" "nodes: 10
+focus: 1103
+apply: enabled"
+got=$(editor | grep -E '^(name|command|hot key):')
+[ "$got" = $'name: \ncommand: \nhot key: ' ] || { fail "the fields after the delete"; sed 's/^/    /' <<<"$got"; }
+for f in "Current line.vbs" "Current line.frm"; do
+  [ -e "$set_dir/notepad/$f" ] && fail "$f was not deleted"
+done
+press Down
+expect "Down selects the top node again" "name: $root
+focus: 1103"
+
+# A right click selects the item under the pointer and opens the item menu.
+read -r x y _ <<<"$(nx_probe "$BIN/nxprobe.exe" nodes "$TITLE" 20000 | grep -m1 ' Word count$')"
+if [ -n "${y:-}" ]; then
+  sleep 0.6; xdotool mousemove "$x" "$y" click 3
+  popup "a right click"
+  expect "the right click selects Word count" "name: Word count"
+  press Escape
+  no_popup "Escape"
+else
+  fail "no node Word count on the screen"
+fi
+
 press F9; popup F9; press Down; press Down; press Return
 expect "the preview's choice is shown, with the focus in the name field" "name: Insert date and time
 focus: 1105"
@@ -71,22 +121,31 @@ press "$apply"
 expect "Apply saves, and the focus goes back to the tree" "apply: disabled
 focus: 1103"
 
-set_dir="$WORK/install/Set"
-got=$("$NXMENU" dump "$set_dir/notepad/Command.mnu" --keys "$set_dir/gKeyCode.def" --braille "$set_dir/notepad/Focus 40.ini")
-want='Read  #256
-  Current word  -> SayWord  key: Narrix+5  discard  #257
-  Current line  -> SayLine  key: Narrix+Up Arrow  discard  #258
-  From cursor to end  -> SayFromCursor  key: Narrix+S+Down Arrow  discard  #259
-  Everything  -> SayAll  key: Narrix+Down Arrow  discard  #260
-Insert date and time  -> shell(wscript.exe "$(appsetdir)\datetime.vbs")  key: C+S+F5  #261
-Word count  -> shell(wscript.exe "$(appsetdir)\wordcount.vbs")  key: [Dot 2+Dot 4+Space]  #262
-Status bar  -> SayStatusBar  key: Narrix+C+S  discard  #263
-Tips for Notepad  -> shell(notepad.exe "$(appsetdir)\tips.txt")  key: Narrix+A+T  discard  #264'
+menu="$set_dir/notepad/Command.mnu"
+got=$("$NXMENU" to-json "$menu" --braille "$set_dir/notepad/Focus 40.ini")
+status=$?
+[ "$status" -eq 0 ] || fail "nxmenu to-json ended with $status"
+want=$(cat "$HERE/editor_saved.json")
 [ "$got" = "$want" ] || { fail "the saved menu"; diff <(echo "$want") <(echo "$got") | sed 's/^/    /'; }
 
 press Escape  # saved: the editor closes without a question
 got=$(nx_probe "$BIN/nxprobe.exe" list "$LIST_TITLE" 20000 | grep -E '^(selected|focus):')
 [ "$got" = $'selected: 2\nfocus: 1003' ] || { fail "back in the list"; echo "$got" | sed 's/^/    /'; }
+
+# The saved menu, cut short, opened again from the list.
+truncate -s -3 "$menu"
+press Return
+got=$(nx_probe "$BIN/nxprobe.exe" message "$BOX_TITLE" 20000)
+grep -qF -- "$(nx_winpath "$menu")$damaged" <<<"$got" || { fail "the damaged file's report"; sed 's/^/    /' <<<"$got"; }
+[ "$(enabled "$TITLE")" = "enabled: no" ] || fail "the editor takes input under the report"
+[ "$(enabled "$LIST_TITLE")" = "enabled: no" ] || fail "the list takes input under the report"
+press Return
+expect "after the report the focus is in the tree" "name: $root
+focus: 1103
+apply: disabled"
+press Escape
+got=$(nx_probe "$BIN/nxprobe.exe" list "$LIST_TITLE" 20000 | grep -E '^(selected|focus):')
+[ "$got" = $'selected: 2\nfocus: 1003' ] || { fail "back in the list again"; echo "$got" | sed 's/^/    /'; }
 press Escape
 nx_wait_exit "$pid" 20 || fail "Escape in the list did not end the program"
 nx_session_stop
