@@ -1,13 +1,15 @@
 // The menu editor's window on large menus, under Windows or Wine: opening a
 // menu, one paste (renumbering and refilling the tree) and one delete, at
-// 5,000 and at 10,000 items. Doubling the menu should cost at most 2.5 times
-// as much: nothing in the editor may grow with the square of the menu.
+// 5,000 and at 10,000 items, against a bare tree view filled with the same
+// nodes. Doubling the menu should cost at most 2.5 times as much: nothing in
+// the editor may grow with the square of the menu. Exit status 1 when it does.
 // Usage: editor_bench WORK_FOLDER
 #include <windows.h>
 #include <commctrl.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <unordered_map>
 #include <vector>
 
 #include "menu/menu_editor_window.h"
@@ -67,8 +69,122 @@ void WriteMenu(nx::cDefActions& defs, const std::wstring& file, int items) {
   defs.FlushCommand2Def(file, L"", *root);
 }
 
-struct Times {
-  double open, reopen, paste, del;
+// One round's times in ms: the editor's operations, and a bare tree view
+// filled with the same nodes in the same way, as the baseline of opening.
+struct Round {
+  double bare, open, reopen, paste, del;
+};
+
+// A tree view with the editor's styles in a window of its own, filled with
+// the menu's nodes while its drawing is suspended, then drawn: what any
+// program pays for showing that many nodes.
+double BareFill(HINSTANCE instance, nx::cDefServer& defs, const std::wstring& file) {
+  defs.DefActions().ItemCounter = 256;
+  const nx::MenuItemPtr root = defs.DefActions().InitCommandDef(file, L"");
+  HWND frame = CreateWindowExW(0, L"STATIC", L"bare tree", WS_OVERLAPPEDWINDOW, 0, 0, 400, 500, nullptr, nullptr,
+                               instance, nullptr);
+  HWND tree = CreateWindowExW(
+      0, WC_TREEVIEWW, L"",
+      WS_CHILD | WS_VISIBLE | WS_BORDER | TVS_HASLINES | TVS_HASBUTTONS | TVS_LINESATROOT | TVS_SHOWSELALWAYS, 10, 10,
+      270, 420, frame, nullptr, instance, nullptr);
+  ShowWindow(frame, SW_SHOWNOACTIVATE);
+  Pump();
+  const double t = Now();
+  SendMessageW(tree, WM_SETREDRAW, FALSE, 0);
+  std::unordered_map<const nx::cMenuItem*, HTREEITEM> nodes;
+  auto add = [&](const nx::cMenuItem& item, HTREEITEM parent) {
+    TVINSERTSTRUCTW insert{};
+    insert.hParent = parent;
+    insert.hInsertAfter = TVI_LAST;
+    insert.item.mask = TVIF_TEXT | TVIF_STATE;
+    insert.item.state = item.SubItems.Count() > 0 ? TVIS_EXPANDED : 0;
+    insert.item.stateMask = TVIS_EXPANDED;
+    insert.item.pszText = const_cast<wchar_t*>(item.Caption.c_str());
+    nodes[&item] = TreeView_InsertItem(tree, &insert);
+  };
+  add(*root, TVI_ROOT);
+  nx::WalkTree(
+      static_cast<const nx::cMenuItem&>(*root),
+      [&](const nx::cMenuItem& item, size_t, int) {
+        add(item, nodes[item.Parent]);
+        return true;
+      },
+      [](const nx::cMenuItem&, size_t) {});
+  SendMessageW(tree, WM_SETREDRAW, TRUE, 0);
+  InvalidateRect(tree, nullptr, TRUE);
+  Pump();
+  const double elapsed = Now() - t;
+  DestroyWindow(frame);
+  Pump();
+  return elapsed;
+}
+
+class Bench {
+ public:
+  Bench(HINSTANCE instance, const std::wstring& work, int items)
+      : instance_(instance),
+        work_(work),
+        items_(items),
+        info_(registry_, work),
+        defs_(nx::SystemCodePage(), profile_, work + L"\\Set\\"),
+        services_{info_, defs_, profile_, menus_, braille_, nullptr, nullptr} {
+    nx::CreateFolder(work);
+    nx::CreateFolder(work + L"\\Set");
+    nx::CreateFolder(work + L"\\Set\\bench");
+    WriteMenu(defs_.DefActions(), File(), items);
+  }
+
+  Round Run() {
+    Round r{};
+    r.bare = BareFill(instance_, defs_, File());
+    nx::MenuEditorWindow window(instance_, services_, &yes_);
+    window.Create(nullptr);
+    ShowWindow(window.Handle(), SW_SHOWNOACTIVATE);
+    Pump();
+    double t = Now();
+    window.Logic().LoadDefs(work_ + L"\\Set", L"bench", false);
+    Pump();
+    r.open = Now() - t;
+    if (window.NodeCount() != items_ + 1)
+      std::printf("the editor shows %d nodes, not %d\n", window.NodeCount(), items_ + 1);
+
+    // The same menu once more in the same window: the tree is emptied first.
+    t = Now();
+    window.Logic().LoadDefs(work_ + L"\\Set", L"bench", false);
+    Pump();
+    r.reopen = Now() - t;
+
+    // Copy an entry from the middle and paste it after another one.
+    window.SelectNode(nx::NodeKey(256 + items_ / 2));
+    window.Logic().mnuTreeCopy_Click();
+    window.SelectNode(nx::NodeKey(256 + items_ / 3));
+    t = Now();
+    window.Logic().mnuTreePasteAsNext_Click();
+    Pump();
+    r.paste = Now() - t;
+
+    window.SelectNode(nx::NodeKey(256 + items_ / 4 * 3));
+    t = Now();
+    window.Logic().mnuTreeDelete_Click();
+    Pump();
+    r.del = Now() - t;
+    return r;
+  }
+
+ private:
+  std::wstring File() const { return work_ + L"\\Set\\bench\\Command.mnu"; }
+
+  HINSTANCE instance_;
+  std::wstring work_;
+  int items_;
+  nx::Win32Registry registry_;
+  nx::Win32Profile profile_;
+  nx::Win32NativeMenus menus_;
+  AlwaysYes yes_;
+  nx::cNarrixInfo info_;
+  nx::cDefServer defs_;
+  std::unique_ptr<nx::IBrailleDisplay> braille_;
+  nx::MenuEditorServices services_;
 };
 
 double Median(std::vector<double> v) {
@@ -76,56 +192,7 @@ double Median(std::vector<double> v) {
   return v[v.size() / 2];
 }
 
-Times Measure(HINSTANCE instance, const std::wstring& work, int items) {
-  nx::Win32Registry registry;
-  nx::Win32Profile profile;
-  nx::Win32NativeMenus menus;
-  AlwaysYes yes;
-  nx::cNarrixInfo info(registry, work);
-  nx::cDefServer defs(nx::SystemCodePage(), profile, work + L"\\Set\\");
-  std::unique_ptr<nx::IBrailleDisplay> braille;
-  nx::MenuEditorServices services{info, defs, profile, menus, braille, nullptr, nullptr};
-  nx::CreateFolder(work);
-  nx::CreateFolder(work + L"\\Set");
-  nx::CreateFolder(work + L"\\Set\\bench");
-  WriteMenu(defs.DefActions(), work + L"\\Set\\bench\\Command.mnu", items);
-
-  std::vector<double> open, reopen, paste, del;
-  for (int round = 0; round < 5; ++round) {
-    nx::MenuEditorWindow window(instance, services, &yes);
-    window.Create(nullptr);
-    ShowWindow(window.Handle(), SW_SHOWNOACTIVATE);
-    Pump();
-    double t = Now();
-    window.Logic().LoadDefs(work + L"\\Set", L"bench", false);
-    Pump();
-    open.push_back(Now() - t);
-    if (window.NodeCount() != items + 1)
-      std::printf("the editor shows %d nodes, not %d\n", window.NodeCount(), items + 1);
-
-    // The same menu once more in the same window: the tree is emptied first.
-    t = Now();
-    window.Logic().LoadDefs(work + L"\\Set", L"bench", false);
-    Pump();
-    reopen.push_back(Now() - t);
-
-    // Copy an entry from the middle and paste it after another one.
-    window.SelectNode(nx::NodeKey(256 + items / 2));
-    window.Logic().mnuTreeCopy_Click();
-    window.SelectNode(nx::NodeKey(256 + items / 3));
-    t = Now();
-    window.Logic().mnuTreePasteAsNext_Click();
-    Pump();
-    paste.push_back(Now() - t);
-
-    window.SelectNode(nx::NodeKey(256 + items / 4 * 3));
-    t = Now();
-    window.Logic().mnuTreeDelete_Click();
-    Pump();
-    del.push_back(Now() - t);
-  }
-  return {Median(open), Median(reopen), Median(paste), Median(del)};
-}
+double Best(const std::vector<double>& v) { return *std::min_element(v.begin(), v.end()); }
 
 }  // namespace
 
@@ -136,19 +203,43 @@ int wmain(int argc, wchar_t** argv) {
   }
   INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_TREEVIEW_CLASSES};
   InitCommonControlsEx(&controls);
-  const Times small = Measure(GetModuleHandleW(nullptr), std::wstring(argv[1]) + L"\\small", 5000);
-  const Times large = Measure(GetModuleHandleW(nullptr), std::wstring(argv[1]) + L"\\large", 10000);
-  std::printf("%-10s %14s %14s %8s\n", "operation", "5,000 items", "10,000 items", "ratio");
+  const HINSTANCE instance = GetModuleHandleW(nullptr);
+  Bench small(instance, std::wstring(argv[1]) + L"\\small", 5000);
+  Bench large(instance, std::wstring(argv[1]) + L"\\large", 10000);
+  // A first round of each size warms Wine's and the heap's first allocations
+  // up and is not counted; the sizes then take turns, so that a busy moment
+  // of the machine falls on both.
+  small.Run();
+  large.Run();
+  constexpr int kRounds = 9;
+  std::vector<Round> a, b;
+  for (int round = 0; round < kRounds; ++round) {
+    a.push_back(small.Run());
+    b.push_back(large.Run());
+  }
+  // Other programs can only add time: the best round is the cost itself and
+  // is what the target is judged by. The medians show how busy it was.
+  std::printf("%d rounds after a warm-up; best and median of each size in ms\n", kRounds);
+  std::printf("%-10s %17s %17s %16s\n", "operation", "5,000 items", "10,000 items", "ratio");
+  std::printf("%-10s %8s %8s %8s %8s %7s %8s\n", "", "best", "median", "best", "median", "best", "median");
   bool ok = true;
-  auto row = [&ok](const char* name, double a, double b) {
-    const double ratio = b / a;
-    ok = ok && ratio <= 2.5;
-    std::printf("%-10s %11.1f ms %11.1f ms %7.2fx %s\n", name, a, b, ratio, ratio <= 2.5 ? "" : "(over 2.5x)");
+  auto row = [&](const char* name, double Round::*field, bool target) {
+    std::vector<double> x, y;
+    for (const Round& r : a) x.push_back(r.*field);
+    for (const Round& r : b) y.push_back(r.*field);
+    const double ratio = Best(y) / Best(x);
+    if (target) ok = ok && ratio <= 2.5;
+    std::printf("%-10s %8.1f %8.1f %8.1f %8.1f %6.2fx %7.2fx %s\n", name, Best(x), Median(x), Best(y), Median(y), ratio,
+                Median(y) / Median(x),
+                !target        ? "(baseline)"
+                : ratio <= 2.5 ? ""
+                               : "(over 2.5x)");
   };
-  row("open", small.open, large.open);
-  row("reopen", small.reopen, large.reopen);
-  row("paste", small.paste, large.paste);
-  row("delete", small.del, large.del);
+  row("bare tree", &Round::bare, false);
+  row("open", &Round::open, true);
+  row("reopen", &Round::reopen, true);
+  row("paste", &Round::paste, true);
+  row("delete", &Round::del, true);
   std::printf("doubling the menu costs at most 2.5 times as much: %s\n", ok ? "met" : "MISSED");
-  return 0;
+  return ok ? 0 : 1;
 }
