@@ -57,6 +57,9 @@ bool MenuEditorWindow::PreTranslate(const MSG& msg) {
     return true;
   }
   if (msg.hwnd != Tree()) return false;
+  // A key in the tree is the user at work there: the tree's own selection
+  // by typing is welcome again.
+  unselected_ = false;
   if (logic_.trvMenu_KeyDown(key, shift)) return true;
   // Enter in the tree must not press OK: it would save and close the menu.
   return key == VK_RETURN && shift == 0;
