@@ -49,20 +49,42 @@ const std::string& MenuBytes() {
   return bytes;
 }
 
-// Baseline: walks the records and checks their lengths, building nothing.
+// Baseline: what any reader must do with the bytes, building nothing. Every
+// record's fields are read with their bounds checked, and every byte of both
+// texts is added to a checksum, so that the walk touches all the bytes the
+// reader decodes instead of hopping over the texts by their lengths.
 void BM_RawWalk(benchmark::State& state) {
   const std::string& bytes = MenuBytes();
+  const auto* data = reinterpret_cast<const unsigned char*>(bytes.data());
+  const size_t size = bytes.size();
+  auto word = [data](size_t at) { return static_cast<uint32_t>(data[at] | (data[at + 1] << 8)); };
+  auto sumText = [data](size_t at, size_t length) {
+    uint32_t sum = 0;
+    for (size_t i = 0; i < length; ++i) sum += data[at + i];
+    return sum;
+  };
   for (auto _ : state) {
     size_t pos = 0, records = 0;
-    while (pos + 8 <= bytes.size()) {
-      const size_t caption =
-          static_cast<unsigned char>(bytes[pos + 6]) | (static_cast<unsigned char>(bytes[pos + 7]) << 8);
-      pos += 8 + caption;
-      const size_t action = static_cast<unsigned char>(bytes[pos]) | (static_cast<unsigned char>(bytes[pos + 1]) << 8);
-      pos += 2 + action;
+    uint32_t sum = 0;
+    while (pos < size) {
+      if (size - pos < 8) break;
+      const uint32_t level = word(pos);
+      const uint32_t keyWord = word(pos + 2) | (word(pos + 4) << 16);
+      const size_t caption = word(pos + 6);
+      pos += 8;
+      if (size - pos < caption + 2) break;
+      sum += sumText(pos, caption);
+      pos += caption;
+      const size_t action = word(pos);
+      pos += 2;
+      if (size - pos < action) break;
+      sum += sumText(pos, action);
+      pos += action;
+      sum += level ^ keyWord;
       ++records;
     }
     benchmark::DoNotOptimize(records);
+    benchmark::DoNotOptimize(sum);
   }
   state.SetItemsProcessed(state.iterations() * 100000);
 }
