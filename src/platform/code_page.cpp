@@ -1,5 +1,10 @@
 #include "platform/code_page.h"
 
+#if defined(__SSE2__) || defined(_M_X64)
+#include <emmintrin.h>
+#define NX_WIDEN_SSE2 1
+#endif
+
 namespace nx {
 namespace {
 
@@ -29,16 +34,50 @@ const char16_t kCp1250[128] = {
     0x010D, 0x00E9, 0x0119, 0x00EB, 0x011B, 0x00ED, 0x00EE, 0x010F, 0x0111, 0x0144, 0x0148, 0x00F3, 0x00F4,
     0x0151, 0x00F6, 0x00F7, 0x0159, 0x016F, 0x00FA, 0x0171, 0x00FC, 0x00FD, 0x0163, 0x02D9};
 
+#ifdef NX_WIDEN_SSE2
+// Bytes below 0x80 are the same characters in every code page this program
+// reads, so a run of them is only widened, 16 at a time; false when the 16
+// bytes hold any other byte.
+static_assert(sizeof(wchar_t) == 2 || sizeof(wchar_t) == 4, "wchar_t of 2 or 4 bytes");
+bool WidenAscii16(const unsigned char* from, wchar_t* to) {
+  const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+  if (_mm_movemask_epi8(bytes) != 0) return false;
+  const __m128i zero = _mm_setzero_si128();
+  const __m128i low = _mm_unpacklo_epi8(bytes, zero), high = _mm_unpackhi_epi8(bytes, zero);
+  auto* out = reinterpret_cast<__m128i*>(to);
+  if constexpr (sizeof(wchar_t) == 2) {
+    _mm_storeu_si128(out, low);
+    _mm_storeu_si128(out + 1, high);
+  } else {
+    _mm_storeu_si128(out, _mm_unpacklo_epi16(low, zero));
+    _mm_storeu_si128(out + 1, _mm_unpackhi_epi16(low, zero));
+    _mm_storeu_si128(out + 2, _mm_unpacklo_epi16(high, zero));
+    _mm_storeu_si128(out + 3, _mm_unpackhi_epi16(high, zero));
+  }
+  return true;
+}
+#endif
+
 }  // namespace
 
-BuiltinCodePage::BuiltinCodePage(unsigned id) : id_(id == 1250 ? 1250 : 1252), high_(id == 1250 ? kCp1250 : kCp1252) {}
+BuiltinCodePage::BuiltinCodePage(unsigned id) : id_(id == 1250 ? 1250 : 1252), high_(id == 1250 ? kCp1250 : kCp1252) {
+  for (unsigned b = 0; b < 256; ++b) wide_[b] = static_cast<wchar_t>(b < 0x80 ? b : high_[b - 0x80]);
+}
 
 std::wstring BuiltinCodePage::ToWide(std::string_view bytes) const {
-  std::wstring out(bytes.size(), L'\0');
-  for (size_t i = 0; i < bytes.size(); ++i) {
-    const unsigned char b = static_cast<unsigned char>(bytes[i]);
-    out[i] = static_cast<wchar_t>(b < 0x80 ? b : high_[b - 0x80]);
-  }
+  const size_t n = bytes.size();
+  std::wstring out(n, L'\0');
+  wchar_t* to = out.data();
+  const auto* from = reinterpret_cast<const unsigned char*>(bytes.data());
+  size_t i = 0;
+#ifdef NX_WIDEN_SSE2
+  for (; i + 16 <= n; i += 16)
+    if (!WidenAscii16(from + i, to + i))
+      for (size_t j = i; j < i + 16; ++j) to[j] = wide_[from[j]];
+  // The last bytes once more as the last 16, when there are that many.
+  if (i < n && n >= 16 && WidenAscii16(from + n - 16, to + n - 16)) i = n;
+#endif
+  for (; i < n; ++i) to[i] = wide_[from[i]];
   return out;
 }
 

@@ -35,6 +35,7 @@ class BuiltinCodePage final : public ICodePage {
 
   unsigned id_;
   const char16_t* high_;  // code points of bytes 0x80..0xFF
+  wchar_t wide_[256];     // every byte's character, for decoding without a branch
 };
 
 // The code page of this system: CP_ACP on Windows, 1252 elsewhere. The

@@ -53,6 +53,23 @@ TEST(CodePage, BuiltinTablesMapEveryByteBothWays) {
   }
 }
 
+// Runs of plain letters are widened many at a time: every length, with a
+// letter of the upper half anywhere in it or nowhere, reads as byte by byte.
+TEST(CodePage, LongTextsReadAsEveryByteAlone) {
+  for (unsigned id : {1250u, 1252u}) {
+    BuiltinCodePage page(id);
+    for (size_t length = 0; length <= 40; ++length) {
+      for (size_t upper = 0; upper <= length; ++upper) {  // at `length`: none
+        std::string text;
+        for (size_t i = 0; i < length; ++i) text += i == upper ? '\x8A' : static_cast<char>('a' + i % 26);
+        std::wstring expected;
+        for (char c : text) expected += page.ToWide(std::string(1, c));
+        ASSERT_EQ(page.ToWide(text), expected) << id << " " << length << " " << upper;
+      }
+    }
+  }
+}
+
 TEST(CodePage, KnownLetters) {
   BuiltinCodePage cz(1250), west(1252);
   EXPECT_EQ(cz.ToWide("\xE8\xF8\x9A\x9E\xEC\xF9"), L"čřšžěů");
