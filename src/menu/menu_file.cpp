@@ -1,41 +1,180 @@
 #include "menu/menu_file.h"
 
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
+#include <memory>
+#include <new>
 #include <vector>
+
+#if defined(__SANITIZE_ADDRESS__)
+#define NX_ARENA_ASAN 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define NX_ARENA_ASAN 1
+#endif
+#endif
+#ifdef NX_ARENA_ASAN
+#include <sanitizer/asan_interface.h>
+#define NX_POISON(p, n) ASAN_POISON_MEMORY_REGION(p, n)
+#define NX_UNPOISON(p, n) ASAN_UNPOISON_MEMORY_REGION(p, n)
+#else
+#define NX_POISON(p, n) ((void)(p), (void)(n))
+#define NX_UNPOISON(p, n) ((void)(p), (void)(n))
+#endif
 
 namespace nx {
 namespace {
 
+// The items of one read come out of large blocks rather than a heap
+// allocation each. Every item keeps its own shared ownership all the same: a
+// block goes back when the last item in it ends, so an item that the
+// clipboard or the wizard holds outlives the tree it was read into, keeping
+// only its own block.
+class ItemArena {
+ public:
+  static constexpr size_t kAlign = alignof(std::max_align_t);
+
+  ItemArena() = default;
+  ItemArena(const ItemArena&) = delete;
+  ItemArena& operator=(const ItemArena&) = delete;
+  ~ItemArena() { Close(); }
+
+  // `align` is a power of two no greater than kAlign.
+  void* Allocate(size_t size, size_t align) {
+    if (size > kBlockSize - kHeader) throw std::bad_alloc();
+    const size_t skip = static_cast<size_t>(-reinterpret_cast<uintptr_t>(next_)) & (align - 1);
+    if (static_cast<size_t>(end_ - next_) < skip + size) {
+      Open();
+    } else {
+      next_ += skip;
+    }
+    void* at = next_;
+    next_ += size;
+    ++handedOut_;
+    NX_UNPOISON(at, size);
+    return at;
+  }
+
+  // Finds the block from the address alone, so that it still works when the
+  // arena is long gone.
+  static void Release(void* at, size_t size) {
+    NX_POISON(at, size);
+    auto* block = reinterpret_cast<Block*>(reinterpret_cast<uintptr_t>(at) & ~(uintptr_t{kBlockSize} - 1));
+    if (block->holders.fetch_sub(1, std::memory_order_acq_rel) == 1) Free(block);
+  }
+
+ private:
+  static constexpr size_t kBlockSize = 64 * 1024;  // also the blocks' alignment
+  static constexpr size_t kHeader = kAlign;
+  struct Block {
+    std::atomic<size_t> holders;
+  };
+  static_assert(sizeof(Block) <= kHeader);
+  // While a block is being filled its count stands at kFilling less the items
+  // released so far; the items handed out are taken off kFilling once, when
+  // the arena moves on, instead of an atomic operation per item.
+  static constexpr size_t kFilling = std::numeric_limits<size_t>::max() / 2;
+
+  void Open() {
+    Close();
+    void* memory = ::operator new (kBlockSize, std::align_val_t{kBlockSize});
+    block_ = new (memory) Block{{kFilling}};
+    next_ = static_cast<char*>(memory) + kHeader;
+    end_ = static_cast<char*>(memory) + kBlockSize;
+    NX_POISON(next_, kBlockSize - kHeader);
+  }
+  void Close() {
+    if (!block_) return;
+    const size_t filling = kFilling - handedOut_;
+    if (block_->holders.fetch_sub(filling, std::memory_order_acq_rel) == filling) Free(block_);
+    block_ = nullptr;
+    next_ = end_ = nullptr;
+    handedOut_ = 0;
+  }
+  static void Free(Block* block) {
+    block->~Block();
+    NX_UNPOISON(block, kBlockSize);
+    ::operator delete (block, std::align_val_t{kBlockSize});
+  }
+
+  Block* block_ = nullptr;
+  char* next_ = nullptr;
+  char* end_ = nullptr;
+  size_t handedOut_ = 0;
+};
+
+template <typename T>
+class ArenaAllocator {
+ public:
+  using value_type = T;
+  static_assert(alignof(T) <= ItemArena::kAlign, "the arena aligns for the fundamental types only");
+
+  explicit ArenaAllocator(ItemArena& arena) : arena_(&arena) {}
+  template <typename U>
+  ArenaAllocator(const ArenaAllocator<U>& other) : arena_(other.arena_) {}
+
+  T* allocate(size_t n) {
+    if (n > std::numeric_limits<size_t>::max() / sizeof(T)) throw std::bad_alloc();
+    return static_cast<T*>(arena_->Allocate(n * sizeof(T), alignof(T)));
+  }
+  void deallocate(T* at, size_t n) { ItemArena::Release(at, n * sizeof(T)); }
+
+  template <typename U>
+  bool operator==(const ArenaAllocator<U>& other) const {
+    return arena_ == other.arena_;
+  }
+  template <typename U>
+  bool operator!=(const ArenaAllocator<U>& other) const {
+    return arena_ != other.arena_;
+  }
+
+ private:
+  template <typename>
+  friend class ArenaAllocator;
+  // Only for allocating: each item keeps a copy of its allocator, which then
+  // outlives the arena but only releases (by address).
+  ItemArena* arena_;
+};
+
+struct Record {
+  int16_t level;
+  uint32_t keyWord;
+  std::string_view caption, action;
+};
+
 class Reader {
  public:
-  explicit Reader(std::string_view bytes) : bytes_(bytes) {}
-  bool AtEnd() const { return pos_ >= bytes_.size(); }
-  bool Int16(int16_t& v) {
-    uint32_t u;
-    if (!Unsigned(2, u)) return false;
-    v = static_cast<int16_t>(static_cast<uint16_t>(u));
-    return true;
-  }
-  bool Int32(uint32_t& v) { return Unsigned(4, v); }
-  bool Text(std::string_view& text) {
-    uint32_t length;
-    if (!Unsigned(2, length) || bytes_.size() - pos_ < length) return false;
-    text = bytes_.substr(pos_, length);
-    pos_ += length;
+  explicit Reader(std::string_view bytes)
+      : at_(reinterpret_cast<const unsigned char*>(bytes.data())), end_(at_ + bytes.size()) {}
+  bool AtEnd() const { return at_ == end_; }
+  // False when the bytes end inside the record.
+  bool Next(Record& record) {
+    if (Left() < 8) return false;
+    record.level = static_cast<int16_t>(Word(0));
+    record.keyWord = Word(2) | (Word(4) << 16);
+    const size_t captionLength = Word(6);
+    at_ += 8;
+    if (Left() < captionLength + 2) return false;
+    record.caption = Text(captionLength);
+    const size_t actionLength = Word(0);
+    at_ += 2;
+    if (Left() < actionLength) return false;
+    record.action = Text(actionLength);
     return true;
   }
 
  private:
-  bool Unsigned(size_t width, uint32_t& v) {
-    if (bytes_.size() - pos_ < width) return false;
-    v = 0;
-    for (size_t i = 0; i < width; ++i)
-      v |= static_cast<uint32_t>(static_cast<unsigned char>(bytes_[pos_ + i])) << (8 * i);
-    pos_ += width;
-    return true;
+  size_t Left() const { return static_cast<size_t>(end_ - at_); }
+  uint32_t Word(size_t offset) const { return static_cast<uint32_t>(at_[offset] | (at_[offset + 1] << 8)); }
+  std::string_view Text(size_t length) {
+    const std::string_view text(reinterpret_cast<const char*>(at_), length);
+    at_ += length;
+    return text;
   }
-  std::string_view bytes_;
-  size_t pos_ = 0;
+  const unsigned char* at_;
+  const unsigned char* end_;
 };
 
 void PutUnsigned(std::string& out, uint32_t v, size_t width) {
@@ -55,19 +194,20 @@ bool PutText(std::string& out, const ICodePage& codePage, const std::wstring& te
   return true;
 }
 
-// Attaches `item` to the tree according to its level; false when the level
-// leads above the root.
-bool Attach(MenuItemPtr item, cMenuItem* last, int previousLevel, int level) {
+// Attaches `item` to the tree according to its level and returns it; null
+// when the level leads above the root.
+MenuItemPtr Attach(MenuItemPtr item, cMenuItem* last, int previousLevel, int level) {
+  static const std::wstring noKey;  // spares a new empty key for every item
   if (level == previousLevel) {
     cMenuItem* parent = last->Parent;
-    return parent && parent->SubItems.Add(0, last, std::move(item));
+    return parent ? parent->SubItems.Add(0, last, std::move(item), noKey) : nullptr;
   }
   if (level < previousLevel) {
     cMenuItem* target = last->Parent;
     for (int up = previousLevel - level; up > 0 && target; --up) target = target->Parent;
-    return target && target->SubItems.Add(1, target, std::move(item));
+    return target ? target->SubItems.Add(1, target, std::move(item), noKey) : nullptr;
   }
-  return last->SubItems.Add(1, last, std::move(item)) != nullptr;
+  return last->SubItems.Add(1, last, std::move(item), noKey);
 }
 
 }  // namespace
@@ -77,22 +217,29 @@ MenuReadResult ParseMenu(std::string_view bytes, const ICodePage& codePage,
   MenuReadResult result;
   result.root = cMenuItem::New();
   result.root->Caption = L"[root]";
-  cMenuItem* last = result.root.get();
+  ItemArena arena;
+  const ArenaAllocator<cMenuItem> allocator(arena);
+  // The last item is held by the reference Add hands back, let go one record
+  // later: let go at once, right after Add raised its count, it makes the
+  // processor wait on that count for every item.
+  MenuItemPtr last = result.root;
   int previousLevel = -1;
   Reader in(bytes);
+  Record record;
   while (!in.AtEnd()) {
-    int16_t level;
-    uint32_t keyWord;
-    std::string_view caption, action;
-    if (!in.Int16(level) || !in.Int32(keyWord) || !in.Text(caption) || !in.Text(action)) {
+    if (!in.Next(record)) {
       result.complete = false;
       break;
     }
-    MenuItemPtr item = cMenuItem::New();
-    item->Caption = codePage.ToWide(caption);
-    item->Action = codePage.ToWide(action);
-    const bool discard = (keyWord & kDiscardBit) != 0;
-    int32_t code = static_cast<int32_t>(keyWord & ~kDiscardBit);
+    // The texts are made first and moved in after the item is made, by when
+    // the new strings' fields are written and can be read back at full speed.
+    std::wstring caption = codePage.ToWide(record.caption);
+    std::wstring action = codePage.ToWide(record.action);
+    MenuItemPtr item = std::allocate_shared<cMenuItem>(allocator);
+    item->Caption = std::move(caption);
+    item->Action = std::move(action);
+    const bool discard = (record.keyWord & kDiscardBit) != 0;
+    int32_t code = static_cast<int32_t>(record.keyWord & ~kDiscardBit);
     if (code & kBrailleBit) code = (brailleCode ? brailleCode(item->Action) : 0) | kBrailleBit;
     item->HotKey = code;
     item->Discard = discard;
@@ -102,13 +249,13 @@ MenuReadResult ParseMenu(std::string_view bytes, const ICodePage& codePage,
       break;
     }
     ++counter;
-    cMenuItem* added = item.get();
-    if (!Attach(std::move(item), last, previousLevel, level)) {
+    MenuItemPtr added = Attach(std::move(item), last.get(), previousLevel, record.level);
+    if (!added) {
       result.complete = false;
       break;
     }
-    last = added;
-    previousLevel = level;
+    last = std::move(added);
+    previousLevel = record.level;
   }
   return result;
 }

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <string>
+#include <vector>
 
 #include "defs/def_actions.h"
 #include "menu/menu_file.h"
@@ -243,6 +245,41 @@ TEST_F(MenuFileTest, TextsUseTheCodePage) {
   const auto read = ParseMenu(Record(0, 0, "\x8Elu\x9Dou\xE8k\xFD", "\xE8ti"), central, nullptr, counter);
   EXPECT_EQ(read.root->SubItems.item(1)->Caption, L"Žluťoučký");
   EXPECT_EQ(read.root->SubItems.item(1)->Action, L"čti");
+}
+
+// The clipboard and the wizard may keep items of a tree that is closed; the
+// reader's items must stay whole, and keep their own children, whichever
+// other items of the same read are gone.
+TEST_F(MenuFileTest, ItemsKeptOutliveTheirTree) {
+  std::string bytes;
+  for (int i = 0; i < 3000; ++i) bytes += Record(i % 2 ? 1 : 0, 0, "Item " + std::to_string(i), "act");
+  std::vector<MenuItemPtr> kept;
+  {
+    const auto read = Parse(bytes);
+    ASSERT_EQ(read.root->SubItems.Count(), 1500);
+    for (int position : {1, 700, 1500}) kept.push_back(read.root->SubItems.item(position));
+    kept.push_back(read.root->SubItems.item(1200)->SubItems.item(1));  // a child alone
+  }
+  // Another read takes the memory the first one gave back.
+  const auto again = Parse(bytes);
+  EXPECT_EQ(again.root->SubItems.Count(), 1500);
+  const struct {
+    const wchar_t* caption;
+    int children;
+    int32_t menuId;
+  } expected[] = {
+      {L"Item 0", 1, 256}, {L"Item 1398", 1, 256 + 1398}, {L"Item 2998", 1, 256 + 2998}, {L"Item 2399", 0, 256 + 2399}};
+  ASSERT_EQ(kept.size(), std::size(expected));
+  for (size_t i = 0; i < kept.size(); ++i) {
+    EXPECT_EQ(kept[i]->Caption, expected[i].caption);
+    EXPECT_EQ(kept[i]->Action, L"act");
+    EXPECT_EQ(kept[i]->MenuId, expected[i].menuId);
+    ASSERT_EQ(kept[i]->SubItems.Count(), expected[i].children) << i;
+    if (expected[i].children) {
+      EXPECT_EQ(kept[i]->SubItems.item(1)->Caption, L"Item " + std::to_wstring(expected[i].menuId - 256 + 1));
+    }
+  }
+  kept.clear();  // the last holders of their blocks
 }
 
 class MenuFilesOnDiskTest : public ::testing::Test {
