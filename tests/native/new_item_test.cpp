@@ -4,6 +4,7 @@
 #include <deque>
 #include <vector>
 
+#include "fake_editor.h"
 #include "menu/menu_editor.h"
 #include "platform/text.h"
 #include "startup/command_line.h"
@@ -13,84 +14,6 @@
 
 namespace nx {
 namespace {
-
-// A tree view in memory: nodes in insertion order with their parents.
-class TreeView : public IMenuEditorView {
- public:
-  struct Node {
-    std::wstring key, parent, text;
-  };
-  std::vector<Node> nodes;
-  std::optional<std::wstring> selected;
-
-  void SetTitle(const std::wstring&) override {}
-  void SetText(EditorText, const std::wstring&) override {}
-  void SetCommandText(EditorCommand, const std::wstring&) override {}
-  void EnableCommand(EditorCommand, bool) override {}
-  void EnableApply(bool) override {}
-  void BeginTreeUpdate() override {}
-  void EndTreeUpdate() override {}
-  void ClearTree() override {
-    nodes.clear();
-    selected.reset();
-  }
-  void AddNode(const std::wstring& key, const std::wstring& parent, const std::wstring& text, bool) override {
-    nodes.push_back({key, parent, text});
-  }
-  int NodeCount() const override { return static_cast<int>(nodes.size()); }
-  std::optional<std::wstring> SelectedNode() const override { return selected; }
-  void SelectNode(const std::wstring& key) override { selected = key; }
-  std::wstring NodeText(const std::wstring& key) const override {
-    for (const auto& n : nodes)
-      if (n.key == key) return n.text;
-    return {};
-  }
-  void SetFields(const std::wstring&, const std::wstring&, const std::wstring&) override {}
-  void FocusNameField() override {}
-  void OpenItemMenu() override {}
-  int TrackPreview(NativeMenu) override { return 0; }
-  void Close() override {}
-
-  // "text(children)" of the tree as shown.
-  std::wstring Shape(const std::wstring& parent = L"") const {
-    std::wstring out;
-    for (const auto& n : nodes) {
-      if (n.parent != parent) continue;
-      const std::wstring inner = Shape(n.key);
-      out += (out.empty() ? L"" : L" ") + n.text + (inner.empty() ? L"" : L"(" + inner + L")");
-    }
-    return out;
-  }
-  void SelectText(const std::wstring& text) {
-    for (const auto& n : nodes)
-      if (n.text == text) selected = n.key;
-  }
-};
-
-// Answers questions from a script and keeps the ids' texts it was asked.
-class ScriptedPrompts : public IPrompts {
- public:
-  std::deque<int> answers;
-  std::vector<std::wstring> asked;
-  int Message(const std::wstring& text, unsigned, const std::wstring&) override {
-    asked.push_back(text);
-    if (answers.empty()) {
-      ADD_FAILURE() << "unexpected question: " << WideToUtf8(text);
-      return mb::kIdCancel;
-    }
-    const int answer = answers.front();
-    answers.pop_front();
-    return answer;
-  }
-};
-
-class NullMenus : public INativeMenus {
- public:
-  NativeMenu CreatePopup() override { return 1; }
-  void AppendPopup(NativeMenu, NativeMenu, const std::wstring&) override {}
-  void AppendCommand(NativeMenu, int, const std::wstring&) override {}
-  void Destroy(NativeMenu) override {}
-};
 
 // Like the real wizard, it writes into the item it is given as the user
 // types, also when the user then cancels.
@@ -167,7 +90,7 @@ class NewItemTest : public ::testing::Test {
   NullMenus menus_;
   std::unique_ptr<IBrailleDisplay> braille_;
   ScriptedPrompts prompts_;
-  TreeView view_;
+  FakeEditorView view_;
   ScribblingWizard wizard_;
   fMenuDef editor_{view_, prompts_, MenuEditorServices{info_, defs_, profile_, menus_, braille_, nullptr, &wizard_}};
 };
@@ -266,9 +189,9 @@ TEST_F(NewItemTest, NewChildOfAnItemWithACommandAsksFirst) {
     editor_.mnuNew_Click();
     EXPECT_EQ(view_.Shape(), c.shape) << c.target;
     ASSERT_EQ(prompts_.asked.size(), c.answer ? 2u : 1u) << c.target;
-    EXPECT_EQ(prompts_.asked[0], L"Save as subitem?");
+    EXPECT_EQ(prompts_.asked[0].text, L"Save as subitem?");
     if (c.answer) {
-      EXPECT_EQ(prompts_.asked[1].find(L"Item " + std::wstring(c.target) + L" contains"), 0u);
+      EXPECT_EQ(prompts_.asked[1].text.find(L"Item " + std::wstring(c.target) + L" contains"), 0u);
     }
     const cMenuItem* target = Find(c.target);
     ASSERT_NE(target, nullptr);
