@@ -8,25 +8,13 @@
 #include "menu/menu_file.h"
 #include "platform/profile.h"
 #include "refusing_profile.h"
+#include "menu_records.h"
 #include "temp_folder.h"
 
 namespace nx {
 namespace {
 
 using namespace std::string_literals;
-
-std::string Record(int16_t level, uint32_t keyWord, const std::string& caption, const std::string& action) {
-  std::string out;
-  auto put = [&out](uint32_t v, int width) {
-    for (int i = 0; i < width; ++i) out += static_cast<char>((v >> (8 * i)) & 0xFF);
-  };
-  put(static_cast<uint16_t>(level), 2);
-  put(keyWord, 4);
-  put(static_cast<uint32_t>(caption.size()), 2);
-  out += caption;
-  put(static_cast<uint32_t>(action.size()), 2);
-  return out + action;
-}
 
 // "caption[id](children)" for every item below `item`.
 std::string Shape(const cMenuItem& item) {

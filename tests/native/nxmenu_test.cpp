@@ -8,6 +8,7 @@
 #include <cwchar>
 #include <string>
 
+#include "menu_records.h"
 #include "temp_folder.h"
 
 namespace nx {
@@ -34,20 +35,6 @@ CliRun Nxmenu(const std::string& args, const std::string& errorsTo = "&1") {
 std::string Q(const std::filesystem::path& p) { return "'" + p.string() + "'"; }
 
 const std::filesystem::path kDemo = NX_DEMO_DIR;
-
-// One record of a menu file: level, key word, caption, no action.
-std::string Record(int16_t level, uint32_t keyWord, const std::string& caption) {
-  std::string out;
-  auto put = [&out](uint32_t v, int width) {
-    for (int i = 0; i < width; ++i) out += static_cast<char>((v >> (8 * i)) & 0xFF);
-  };
-  put(static_cast<uint16_t>(level), 2);
-  put(keyWord, 4);
-  put(static_cast<uint32_t>(caption.size()), 2);
-  out += caption;
-  put(0, 2);
-  return out;
-}
 
 TEST(Nxmenu, DemoMenusRoundTripByteForByte) {
   test::TempFolder dir;
