@@ -71,10 +71,19 @@ std::optional<std::vector<std::wstring>> ListSubfolders(const std::wstring& fold
 }
 
 bool ReadFileBytes(const std::wstring& path, std::string& bytes) {
-  std::ifstream in(ToFsPath(path), std::ios::binary);
-  if (!in) return false;
-  bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-  return !in.bad();
+  // A folder opens as a stream on some systems and then throws on the first
+  // read; callers only need to know that there is no file to read.
+  const std::filesystem::path fsPath = ToFsPath(path);
+  std::error_code ec;
+  if (std::filesystem::is_directory(fsPath, ec)) return false;
+  try {
+    std::ifstream in(fsPath, std::ios::binary);
+    if (!in) return false;
+    bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    return !in.bad();
+  } catch (const std::exception&) {
+    return false;
+  }
 }
 
 bool WriteFileBytes(const std::wstring& path, const std::string& bytes) {

@@ -79,7 +79,7 @@ TEST(Nxmenu, ProblemsAndExitCodes) {
   const struct {
     std::string args;
     int status;
-    const char* message;
+    std::string message;
   } cases[] = {
       {"", 2, "no command"},
       {"frobnicate", 2, "unknown command frobnicate"},
@@ -90,6 +90,7 @@ TEST(Nxmenu, ProblemsAndExitCodes) {
       {"from-json " + d + "bad.json " + d + "out.mnu", 1, "items[0].hotKey: must be a whole number"},
       {"from-json " + d + "broken.json " + d + "out.mnu", 1, "line 1, column 12: the document ends too early"},
       {"from-json " + d + "none.json " + d + "out.mnu", 1, "none.json: cannot be read"},
+      {"from-json " + d + " " + d + "out.mnu", 1, d + ": cannot be read"},  // a folder
       {"format-key 12x", 2, "12x is not a code"},
       {"format-key 0x80000041", 1, "not a hot-key code that a menu can hold"},
       {"format-key 0x40000005", 0, "[H1+H4]"},
