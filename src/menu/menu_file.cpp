@@ -196,18 +196,18 @@ bool PutText(std::string& out, const ICodePage& codePage, const std::wstring& te
 
 // Attaches `item` to the tree according to its level and returns it; null
 // when the level leads above the root.
-MenuItemPtr Attach(MenuItemPtr item, cMenuItem* last, int previousLevel, int level) {
+cMenuItem* Attach(MenuItemPtr item, cMenuItem* last, int previousLevel, int level) {
   static const std::wstring noKey;  // spares a new empty key for every item
   if (level == previousLevel) {
     cMenuItem* parent = last->Parent;
-    return parent ? parent->SubItems.Add(0, last, std::move(item), noKey) : nullptr;
+    return parent ? parent->SubItems.Append(0, last, std::move(item), noKey) : nullptr;
   }
   if (level < previousLevel) {
     cMenuItem* target = last->Parent;
     for (int up = previousLevel - level; up > 0 && target; --up) target = target->Parent;
-    return target ? target->SubItems.Add(1, target, std::move(item), noKey) : nullptr;
+    return target ? target->SubItems.Append(1, target, std::move(item), noKey) : nullptr;
   }
-  return last->SubItems.Add(1, last, std::move(item), noKey);
+  return last->SubItems.Append(1, last, std::move(item), noKey);
 }
 
 }  // namespace
@@ -219,10 +219,10 @@ MenuReadResult ParseMenu(std::string_view bytes, const ICodePage& codePage,
   result.root->Caption = L"[root]";
   ItemArena arena;
   const ArenaAllocator<cMenuItem> allocator(arena);
-  // The last item is held by the reference Add hands back, let go one record
-  // later: let go at once, right after Add raised its count, it makes the
-  // processor wait on that count for every item.
-  MenuItemPtr last = result.root;
+  // The tree keeps every item it was given until the reading ends, so the
+  // last item is known by its address alone: holding it would be two more
+  // locked operations on its count for every item.
+  cMenuItem* last = result.root.get();
   int previousLevel = -1;
   Reader in(bytes);
   Record record;
@@ -249,12 +249,12 @@ MenuReadResult ParseMenu(std::string_view bytes, const ICodePage& codePage,
       break;
     }
     ++counter;
-    MenuItemPtr added = Attach(std::move(item), last.get(), previousLevel, record.level);
+    cMenuItem* added = Attach(std::move(item), last, previousLevel, record.level);
     if (!added) {
       result.complete = false;
       break;
     }
-    last = std::move(added);
+    last = added;
     previousLevel = record.level;
   }
   return result;

@@ -48,6 +48,11 @@ bool cMenuItems::WouldOwnItself(const cMenuItem* item) const {
 }
 
 MenuItemPtr cMenuItems::Add(int16_t asChild, cMenuItem* reference, MenuItemPtr item, const std::wstring& key) {
+  cMenuItem* added = Append(asChild, reference, std::move(item), key);
+  return added ? items_.back() : nullptr;
+}
+
+cMenuItem* cMenuItems::Append(int16_t asChild, cMenuItem* reference, MenuItemPtr item, const std::wstring& key) {
   if (!item || WouldOwnItself(item.get())) return nullptr;
   if (asChild == 0) {
     item->Parent = reference ? reference->Parent : nullptr;
@@ -56,7 +61,7 @@ MenuItemPtr cMenuItems::Add(int16_t asChild, cMenuItem* reference, MenuItemPtr i
   } else {
     return nullptr;
   }
-  return Insert(items_.size(), std::move(item), key);
+  return Insert(items_.size(), std::move(item), key).get();
 }
 
 MenuItemPtr cMenuItems::AddAfter(MenuItemPtr item, int position, const std::wstring& key) {
@@ -64,9 +69,10 @@ MenuItemPtr cMenuItems::AddAfter(MenuItemPtr item, int position, const std::wstr
   return Insert(static_cast<size_t>(position), std::move(item), key);
 }
 
-MenuItemPtr cMenuItems::Insert(size_t index, MenuItemPtr item, const std::wstring& key) {
+const MenuItemPtr& cMenuItems::Insert(size_t index, MenuItemPtr item, const std::wstring& key) {
   if (!key.empty() && keys_.empty()) keys_.resize(items_.size());
   if (!keys_.empty()) keys_.insert(keys_.begin() + static_cast<std::ptrdiff_t>(index), key);
+  if (index == items_.size()) return items_.emplace_back(std::move(item));
   return *items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(index), std::move(item));
 }
 

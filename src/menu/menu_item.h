@@ -50,6 +50,11 @@ class cMenuItems {
   // flag 1 without a reference, adds nothing and returns null, as does an
   // item whose subtree holds this list's owner.
   MenuItemPtr Add(int16_t asChild, cMenuItem* reference, MenuItemPtr item, const std::wstring& key = L"");
+  // Add that hands back only the added item's address (null when nothing
+  // was added), for a caller that builds a whole tree: the list is what
+  // keeps the item, and a copy handed back would raise and lower its count
+  // of holders once more for every item.
+  cMenuItem* Append(int16_t asChild, cMenuItem* reference, MenuItemPtr item, const std::wstring& key = L"");
   // Inserts directly after `position` (0: at the front). Parent is left as
   // it is. Null when the position is out of range or the item's subtree
   // holds this list's owner.
@@ -73,7 +78,8 @@ class cMenuItems {
  private:
   friend class cMenuItem;
   bool WouldOwnItself(const cMenuItem* item) const;
-  MenuItemPtr Insert(size_t index, MenuItemPtr item, const std::wstring& key);
+  // The item's place in the list.
+  const MenuItemPtr& Insert(size_t index, MenuItemPtr item, const std::wstring& key);
 
   cMenuItem* owner_;
   std::vector<MenuItemPtr> items_;
