@@ -81,6 +81,8 @@ class cMenuItems {
   // The item's place in the list.
   const MenuItemPtr& Insert(size_t index, MenuItemPtr item, const std::wstring& key);
 
+  static constexpr size_t kFirstRoom = 8;
+
   cMenuItem* owner_;
   std::vector<MenuItemPtr> items_;
   std::vector<std::wstring> keys_;  // empty until an item is added with a key, then beside items_
