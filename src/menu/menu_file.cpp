@@ -66,7 +66,10 @@ class ItemArena {
   }
 
  private:
-  static constexpr size_t kBlockSize = 64 * 1024;  // also the blocks' alignment
+  // Also the blocks' alignment. A quarter as many blocks as with 64 KiB
+  // makes reading a large menu about a twentieth faster; a menu of a few
+  // items, or an item kept after its tree, still holds a whole block.
+  static constexpr size_t kBlockSize = 256 * 1024;
   static constexpr size_t kHeader = kAlign;
   struct Block {
     std::atomic<size_t> holders;
