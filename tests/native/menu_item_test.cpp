@@ -26,7 +26,8 @@ std::wstring Captions(const cMenuItem& item) {
   return out;
 }
 
-TEST(MenuItems, AddTestsTheFlagForExactlyOne) {
+// Append is Add handing back the address only: both are held to the same cases.
+TEST(MenuItems, AddAndAppendTestTheFlagForExactlyOne) {
   auto root = Item(L"root");
   auto a = Child(*root, L"a");
   const struct {
@@ -39,16 +40,19 @@ TEST(MenuItems, AddTestsTheFlagForExactlyOne) {
                {1, false, false, nullptr},
                {-1, true, false, nullptr},
                {2, true, false, nullptr}};
-  for (const auto& c : cases) {
-    cMenuItems& list = c.flag == 1 ? a->SubItems : root->SubItems;
-    auto item = Item(L"x");
-    const int before = list.Count();
-    auto result = list.Add(c.flag, c.withReference ? a.get() : nullptr, item);
-    EXPECT_EQ(result != nullptr, c.added) << c.flag;
-    EXPECT_EQ(list.Count(), before + (c.added ? 1 : 0)) << c.flag;
-    if (c.added) {
-      EXPECT_EQ(item->Parent, c.parent) << c.flag;
-      EXPECT_TRUE(list.IsLast(item.get()));
+  for (const bool append : {false, true}) {
+    for (const auto& c : cases) {
+      cMenuItems& list = c.flag == 1 ? a->SubItems : root->SubItems;
+      auto item = Item(L"x");
+      const int before = list.Count();
+      cMenuItem* reference = c.withReference ? a.get() : nullptr;
+      const cMenuItem* result = append ? list.Append(c.flag, reference, item) : list.Add(c.flag, reference, item).get();
+      EXPECT_EQ(result, c.added ? item.get() : nullptr) << c.flag << " append " << append;
+      EXPECT_EQ(list.Count(), before + (c.added ? 1 : 0)) << c.flag << " append " << append;
+      if (c.added) {
+        EXPECT_EQ(item->Parent, c.parent) << c.flag;
+        EXPECT_TRUE(list.IsLast(item.get()));
+      }
     }
   }
 }
