@@ -213,6 +213,9 @@ cMenuItem* Attach(MenuItemPtr item, cMenuItem* last, int previousLevel, int leve
   return last->SubItems.Append(1, last, std::move(item), noKey);
 }
 
+// Some five hundred items.
+constexpr size_t kPooledFromBytes = 32 * 1024;
+
 }  // namespace
 
 MenuReadResult ParseMenu(std::string_view bytes, const ICodePage& codePage,
@@ -220,11 +223,14 @@ MenuReadResult ParseMenu(std::string_view bytes, const ICodePage& codePage,
   MenuReadResult result;
   result.root = cMenuItem::New();
   result.root->Caption = L"[root]";
+  // Only a large menu is worth the blocks: the menus users keep are a few
+  // dozen items, each of which would otherwise hold a whole block.
+  const bool pooled = bytes.size() >= kPooledFromBytes;
   ItemArena arena;
   const ArenaAllocator<cMenuItem> allocator(arena);
   // The tree keeps every item it was given until the reading ends, so the
   // last item is known by its address alone: holding it would be two more
-  // locked operations on its count for every item.
+  // operations on its count for every item.
   cMenuItem* last = result.root.get();
   int previousLevel = -1;
   Reader in(bytes);
@@ -238,7 +244,7 @@ MenuReadResult ParseMenu(std::string_view bytes, const ICodePage& codePage,
     // the new strings' fields are written and can be read back at full speed.
     std::wstring caption = codePage.ToWide(record.caption);
     std::wstring action = codePage.ToWide(record.action);
-    MenuItemPtr item = std::allocate_shared<cMenuItem>(allocator);
+    MenuItemPtr item = pooled ? std::allocate_shared<cMenuItem>(allocator) : std::make_shared<cMenuItem>();
     item->Caption = std::move(caption);
     item->Action = std::move(action);
     const bool discard = (record.keyWord & kDiscardBit) != 0;
