@@ -124,58 +124,42 @@ NativeMenu cMenuItem::CreateMenu(INativeMenus& menus, const std::function<std::w
     item.menus_ = &menus;
     item.popup_ = menus.CreatePopup();
   };
-  // A pull-down is appended to its parent's pop-up once its own is whole;
-  // the stack holds the pull-downs still being filled, so that menus of any
-  // depth are safe.
-  struct Frame {
-    cMenuItem* item;
-    int position;
-  };
+  // The pull-downs whose pop-ups are being filled; a pull-down goes into its
+  // parent's pop-up once its own is whole.
+  std::vector<cMenuItem*> filling{this};
   begin(*this);
-  std::vector<Frame> stack{{this, 1}};
-  while (!stack.empty()) {
-    Frame& frame = stack.back();
-    if (frame.position > frame.item->SubItems.Count()) {
-      const cMenuItem* done = frame.item;
-      stack.pop_back();
-      if (!stack.empty()) menus.AppendPopup(stack.back().item->popup_, done->popup_, done->Caption);
-      continue;
-    }
-    cMenuItem* child = frame.item->SubItems.item(frame.position++).get();
-    if (child->SubItems.Count() >= 1) {
-      begin(*child);
-      stack.push_back({child, 1});
-      continue;
-    }
-    std::wstring label = child->Caption;
-    const std::wstring keyText = hotKeyText ? hotKeyText(child->HotKey) : std::wstring();
-    if (!keyText.empty()) label += L"\t" + keyText;
-    menus.AppendCommand(frame.item->popup_, child->MenuId, label);
-  }
+  WalkTree(
+      *this,
+      [&](cMenuItem& child, size_t, int) {
+        if (child.SubItems.Count() >= 1) {
+          begin(child);
+          filling.push_back(&child);
+          return true;
+        }
+        std::wstring label = child.Caption;
+        const std::wstring keyText = hotKeyText ? hotKeyText(child.HotKey) : std::wstring();
+        if (!keyText.empty()) label += L"\t" + keyText;
+        menus.AppendCommand(filling.back()->popup_, child.MenuId, label);
+        return true;
+      },
+      [&](cMenuItem& done, size_t) {
+        if (done.SubItems.Count() == 0) return;
+        filling.pop_back();
+        menus.AppendPopup(filling.back()->popup_, done.popup_, done.Caption);
+      });
   return popup_;
 }
 
 void cMenuItem::DestroyMenu() {
-  // Children before their parent, without recursion. Forgetting each handle
-  // keeps a later CreateMenu or the item's end from destroying it a second
-  // time.
-  struct Frame {
-    cMenuItem* item;
-    int position;
+  // Children before their parent. Forgetting each handle keeps a later
+  // CreateMenu or the item's end from destroying it a second time.
+  auto destroy = [](cMenuItem& item) {
+    if (item.popup_ && item.menus_) item.menus_->Destroy(item.popup_);
+    item.popup_ = 0;
   };
-  std::vector<Frame> stack{{this, 1}};
-  while (!stack.empty()) {
-    Frame& frame = stack.back();
-    if (frame.position <= frame.item->SubItems.Count()) {
-      cMenuItem* child = frame.item->SubItems.item(frame.position++).get();
-      stack.push_back({child, 1});
-      continue;
-    }
-    cMenuItem* done = frame.item;
-    stack.pop_back();
-    if (done->popup_ && done->menus_) done->menus_->Destroy(done->popup_);
-    done->popup_ = 0;
-  }
+  WalkTree(
+      *this, [](cMenuItem&, size_t, int) { return true; }, [&](cMenuItem& done, size_t) { destroy(done); });
+  destroy(*this);
 }
 
 void cMenuItem::InsertAfter(const cMenuItem* reference, MenuItemPtr item) {
