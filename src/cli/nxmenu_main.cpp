@@ -330,9 +330,9 @@ int FromJson(const std::vector<std::wstring>& argv) {
     return 1;
   }
   const std::wstring braille = Value(options, "--braille");
-  std::wstring failed;
+  WriteFailure failed;
   if (!tools.defs->FlushCommand2Def(options.args[1], braille, *root, &failed)) {
-    if (failed == braille)
+    if (failed.file == braille)
       Err("nxmenu: " + U8(braille) + ": the braille codes could not be written into section Actions; " +
           U8(options.args[1]) + " was written without them\n");
     else

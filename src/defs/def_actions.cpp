@@ -182,12 +182,12 @@ MenuItemPtr cDefActions::InitCommandDef(const std::wstring& menuPath, const std:
 }
 
 bool cDefActions::FlushCommand2Def(const std::wstring& menuPath, const std::wstring& braillePath, const cMenuItem& root,
-                                   std::wstring* failedFile) {
+                                   WriteFailure* failure) {
   std::vector<std::pair<std::wstring, uint32_t>> brailleCodes;
   auto bytes = SerializeMenu(
       root, codePage_, [&](const std::wstring& action, uint32_t code) { brailleCodes.emplace_back(action, code); });
-  auto fail = [failedFile](const std::wstring& file) {
-    if (failedFile) *failedFile = file;
+  auto fail = [failure](const std::wstring& file) {
+    if (failure) *failure = {file, L""};
     return false;
   };
   if (!bytes || !WriteFileBytes(menuPath, *bytes)) return fail(menuPath);

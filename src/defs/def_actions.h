@@ -20,6 +20,13 @@
 
 namespace nx {
 
+// A file that could not be written, and why: the system's own words (disk
+// full, access denied) or what the menu file cannot hold.
+struct WriteFailure {
+  std::wstring file;
+  std::wstring reason;
+};
+
 class cDefActions {
  public:
   // The MenuId the menu reader gives the next item it reads.
@@ -60,10 +67,10 @@ class cDefActions {
   // is whole, then the braille codes into section "Actions" of
   // `braillePath` (when given). False when the menu cannot be stored or
   // written (the old file is then untouched and no braille code is written)
-  // or when a braille code could not be written; `failedFile` (optional)
-  // then names the file that failed.
+  // or when a braille code could not be written; `failure` (optional) then
+  // names the file that failed and why.
   bool FlushCommand2Def(const std::wstring& menuPath, const std::wstring& braillePath, const cMenuItem& root,
-                        std::wstring* failedFile = nullptr);
+                        WriteFailure* failure = nullptr);
 
  private:
   std::wstring ModifierText(int16_t mask, bool longNames) const;

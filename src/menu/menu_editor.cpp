@@ -218,9 +218,9 @@ bool fMenuDef::Save() {
     std::filesystem::remove(ToFsPath(path), ignored);
     return true;
   }
-  std::wstring failed;
+  WriteFailure failed;
   if (!services_.defs.DefActions().FlushCommand2Def(path, BraillePath(), *root_, &failed)) {
-    prompts_.Message(LoadResText(kNotSaved, failed), mb::kOkOnly | mb::kIconExclamation, LoadResText(kProductTitle));
+    prompts_.Message(LoadResText(kNotSaved, failed.file), mb::kOkOnly | mb::kIconExclamation, LoadResText(kProductTitle));
     return false;
   }
   return true;

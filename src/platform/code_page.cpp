@@ -100,6 +100,12 @@ void BuiltinCodePage::AppendAnsi(std::wstring_view text, std::string& out) const
   for (size_t i = 0; i < text.size(); ++i) out[at + i] = Encode(text[i]);
 }
 
+std::optional<size_t> BuiltinCodePage::FirstUnencodable(std::wstring_view text) const {
+  for (size_t i = 0; i < text.size(); ++i)
+    if (static_cast<unsigned>(text[i]) >= 0x80 && Encode(text[i]) == '?') return i;
+  return std::nullopt;
+}
+
 #ifndef _WIN32
 const ICodePage& SystemCodePage() {
   static const BuiltinCodePage page(1252);

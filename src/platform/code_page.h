@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,10 @@ class ICodePage {
   virtual std::string ToAnsi(std::wstring_view text) const = 0;
   // ToAnsi appended to `out`.
   virtual void AppendAnsi(std::wstring_view text, std::string& out) const { out += ToAnsi(text); }
+  // The index of the first character of `text` that the code page cannot
+  // hold exactly (it would be stored as "?" or as a look-alike); nothing
+  // when the whole text can be stored.
+  virtual std::optional<size_t> FirstUnencodable(std::wstring_view text) const = 0;
 };
 
 // Windows-1250 (Central European) and Windows-1252 (Western) without the
@@ -29,6 +34,7 @@ class BuiltinCodePage final : public ICodePage {
   std::wstring ToWide(std::string_view bytes) const override;
   std::string ToAnsi(std::wstring_view text) const override;
   void AppendAnsi(std::wstring_view text, std::string& out) const override;
+  std::optional<size_t> FirstUnencodable(std::wstring_view text) const override;
 
  private:
   char Encode(wchar_t c) const;

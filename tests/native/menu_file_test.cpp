@@ -342,9 +342,9 @@ TEST_F(MenuFilesOnDiskTest, ALostBrailleCodeIsAFailedWrite) {
       {menu, ini, false, ini, "[Actions]\r\nBefore=1\r\nAfter=1\r\n"},
   };
   for (const auto& c : cases) {
-    std::wstring failed;
+    WriteFailure failed;
     EXPECT_EQ(defs.FlushCommand2Def(c.menu, c.ini, *root, &failed), c.written);
-    EXPECT_EQ(failed, c.failed);
+    EXPECT_EQ(failed.file, c.failed);
     EXPECT_EQ(dir_.Read(L"Focus 40.ini"), c.profileAfter);
   }
   EXPECT_EQ(defs.InitCommandDef(menu, L"")->SubItems.Count(), 3);
