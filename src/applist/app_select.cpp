@@ -15,6 +15,7 @@ constexpr int kCaption = 501, kListLabel = 502, kEdit = 503, kGeneralMenu = 504,
 constexpr int kCancel = 101, kBadInstallation = 1050, kProductTitle = 2053;
 constexpr int kNewNameLabel = 650, kNameEmpty = 651, kNameBadCharacter = 652, kNameDots = 653, kNameReserved = 654;
 constexpr int kNameTaken = 655, kGeneralFixed = 656, kRename = 657, kRemove = 658, kAddVersion = 659, kExport = 660;
+constexpr int kNothingRenamed = 664, kNoMenuCreated = 665;
 constexpr int kDeleteKey = 46;
 
 // The screen reader's own fixed Czech texts for these buttons.
@@ -79,8 +80,9 @@ void fAppSelect::SelectAppByCommand(const std::wstring& arguments) {
     if (!FillAppList(info_.DirSet())) return;
     const CommandLineRequest request = ParseCommandLine(arguments);
     if (request.displayName) gCmdDisplayName = *request.displayName;
-    if (request.appName.empty()) return;
+    // Without an application the script waits for the first menu opened.
     if (request.scriptPath) gCmdScriptPath = *request.scriptPath;
+    if (request.appName.empty()) return;
 
     const int index = FindEntry(request.appName);
     if (index >= 0) {
@@ -90,6 +92,11 @@ void fAppSelect::SelectAppByCommand(const std::wstring& arguments) {
       return;
     }
     if (pass > 0) return;
+    // The name becomes a folder in Set: the rules of a rename, before asking.
+    if (NameRefused(L"", request.appName, kNoMenuCreated)) {
+      view_.FocusList();
+      return;
+    }
     const int answer = prompts_.Message(LoadResText(kCreateMenuQuestion, request.appName),
                                         mb::kYesNo | mb::kIconQuestion, LoadResText(kProductTitle));
     if (answer != mb::kIdYes) return;
@@ -144,7 +151,7 @@ void fAppSelect::Refill(int index) {
   view_.FocusList();
 }
 
-bool fAppSelect::NameRefused(const std::wstring& oldName, const std::wstring& newName) {
+bool fAppSelect::NameRefused(const std::wstring& oldName, const std::wstring& newName, int outcome) {
   int message = 0;
   switch (CheckFolderName(newName)) {
     case FolderNameProblem::None:
@@ -162,11 +169,12 @@ bool fAppSelect::NameRefused(const std::wstring& oldName, const std::wstring& ne
       message = kNameReserved;
       break;
   }
-  // Another folder of that name; a change of case only is a rename.
+  // The general menu's entry, or another folder of that name; a change of
+  // case only is a rename.
   if (!message && UpperCase(newName) != UpperCase(oldName) &&
-      ports_.folders->FolderExists(JoinPath(info_.DirSet(), newName)))
+      (UpperCase(newName) == UpperCase(LoadResText(kGeneralMenu)) || IsFolder(JoinPath(info_.DirSet(), newName))))
     message = kNameTaken;
-  if (message) Tell(LoadResText(message, newName), mb::kIconExclamation);
+  if (message) Tell(LoadResText(message, newName) + L" " + LoadResText(outcome), mb::kIconExclamation);
   return message != 0;
 }
 
@@ -175,11 +183,15 @@ void fAppSelect::cmdRename_Click() {
   const auto name = SelectedApp(true);
   if (!name) return;
   const int index = view_.SelectedIndex();
-  const std::wstring newName = prompts_.InputBox(LoadResText(kNewNameLabel), kRenameTitle, *name);
-  if (newName.empty() || newName == *name || NameRefused(*name, newName)) {
-    view_.FocusList();
-    return;
-  }
+  // A refused name is offered again, as typed, to be corrected.
+  std::wstring newName = *name;
+  do {
+    newName = prompts_.InputBox(LoadResText(kNewNameLabel), kRenameTitle, newName);
+    if (newName.empty() || newName == *name) {
+      view_.FocusList();
+      return;
+    }
+  } while (NameRefused(*name, newName, kNothingRenamed));
   ports_.folders->MoveFolder(JoinPath(info_.DirSet(), *name), JoinPath(info_.DirSet(), newName));
   Refill(index);
 }

@@ -67,7 +67,8 @@ class fAppSelect {
   void Form_Load(void* form);
 
   // Acts on the program's arguments: sets the display name and script path,
-  // opens the named application's menu, or offers to create it.
+  // opens the named application's menu, or offers to create it when the
+  // name can be a menu folder (a refused name is told and nothing made).
   void SelectAppByCommand(const std::wstring& arguments);
 
   // Refills the list from the subfolders of `folder`. False, after the fatal
@@ -99,7 +100,10 @@ class fAppSelect {
   // The selected application's name; nothing for none or the general menu
   // (after saying it cannot be changed when `refuseGeneral`).
   std::optional<std::wstring> SelectedApp(bool refuseGeneral);
-  bool NameRefused(const std::wstring& oldName, const std::wstring& newName);
+  // True, after the rule's message and the string `outcome` ("nothing was
+  // renamed", "no menu was created"), when `newName` cannot be a menu folder
+  // in Set.
+  bool NameRefused(const std::wstring& oldName, const std::wstring& newName, int outcome);
   // Refills the list, selects position `index` (or the nearest) and puts the
   // focus back into it.
   void Refill(int index);

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "menu/edit/tree_commands.h"
 #include "platform/folders.h"
 #include "platform/text.h"
 #include "startup/command_line.h"
@@ -20,6 +21,16 @@ constexpr int kTitle = 601, kTreeLabel = 602, kName = 603, kCommand = 604, kHotK
 constexpr int kCopy = 610, kCut = 611, kEdit = 612, kDelete = 613, kPaste = 614, kPasteNext = 615, kPasteChild = 616;
 constexpr int kItemMenu = 617, kSaveQuestion = 635, kOk = 100, kCancel = 101, kGeneral = 2051, kApplication = 2052;
 constexpr int kProductTitle = 2053, kPreview = 640, kDamaged = 641, kNotSaved = 642, kMoveUp = 643, kMoveDown = 644;
+constexpr int kTooDeepFile = 662, kBackupFailed = 666, kReasonUnknown = 667;
+
+// Message 642: the file and why it could not be written, each put in once,
+// whatever they contain themselves.
+std::wstring NotSavedText(const std::wstring& file, const std::wstring& reason) {
+  const std::wstring text = LoadResText(kNotSaved), why = reason.empty() ? LoadResText(kReasonUnknown) : reason;
+  const size_t at = text.find(L"%2");
+  if (at == std::wstring::npos) return ReplaceAll(text, L"%1", file);
+  return ReplaceAll(text.substr(0, at), L"%1", file) + why + ReplaceAll(text.substr(at + 2), L"%1", file);
+}
 
 }  // namespace
 
@@ -110,7 +121,11 @@ void fMenuDef::LoadDefs(const std::wstring& menuDir, const std::wstring& appName
   defs.ItemCounter = IdBase();
   bool complete = true;
   root_ = defs.InitCommandDef(MenuPath(), BraillePath(), &complete);
-  damaged_ = !complete;
+  // A tree control and a pop-up menu cannot hold a deeper menu: it is not
+  // shown, and without a tree nothing can be written over the file.
+  tooDeep_ = root_ && MenuLevels(*root_) > kMaxMenuLevels;
+  if (tooDeep_) root_.reset();
+  damaged_ = !complete && !tooDeep_;
   backedUp_ = false;
   CaptionRoot();
   if (!gBrailleName.empty()) defs.InitBrailleKeyMap(BraillePath());
@@ -119,13 +134,23 @@ void fMenuDef::LoadDefs(const std::wstring& menuDir, const std::wstring& appName
     view_.SelectNode(NodeKey(root_->MenuId));
     trvMenu_NodeClick(NodeKey(root_->MenuId));
   }
-  damageToReport_ = damaged_;
+  damageToReport_ = damaged_ || tooDeep_;
+}
+
+void fMenuDef::Tell(const std::wstring& text) {
+  prompts_.Message(text, mb::kOkOnly | mb::kIconExclamation, LoadResText(kProductTitle));
 }
 
 void fMenuDef::Form_Activate() {
   if (!damageToReport_) return;
   damageToReport_ = false;
-  prompts_.Message(LoadResText(kDamaged, MenuPath()), mb::kOkOnly | mb::kIconExclamation, LoadResText(kProductTitle));
+  if (!tooDeep_) {
+    Tell(LoadResText(kDamaged, MenuPath()));
+    return;
+  }
+  // Back to the application list, which takes the focus again.
+  Tell(LoadResText(kTooDeepFile, MenuPath()));
+  view_.Close();
 }
 
 void fMenuDef::FillTree() {
@@ -203,12 +228,13 @@ void fMenuDef::trvMenu_NodeClick(const std::wstring& key) {
 }
 
 bool fMenuDef::Save() {
+  if (tooDeep_) return true;
   const std::wstring path = MenuPath();
   // A damaged original is kept before anything is written over it.
   if (damaged_ && !backedUp_) {
     std::string bytes;
     if (PathExists(path) && (!ReadFileBytes(path, bytes) || !WriteFileBytes(path + L".bak", bytes))) {
-      prompts_.Message(LoadResText(kNotSaved, path), mb::kOkOnly | mb::kIconExclamation, LoadResText(kProductTitle));
+      Tell(NotSavedText(path, LoadResText(kBackupFailed, path + L".bak")));
       return false;
     }
     backedUp_ = true;
@@ -220,7 +246,7 @@ bool fMenuDef::Save() {
   }
   WriteFailure failed;
   if (!services_.defs.DefActions().FlushCommand2Def(path, BraillePath(), *root_, &failed)) {
-    prompts_.Message(LoadResText(kNotSaved, failed.file), mb::kOkOnly | mb::kIconExclamation, LoadResText(kProductTitle));
+    Tell(NotSavedText(failed.file, failed.reason));
     return false;
   }
   return true;
@@ -310,14 +336,6 @@ bool fMenuDef::trvMenu_KeyDown(int key, int shift) {
     OpenContextMenu();
     return true;
   }
-  // After a delete no node is selected, and a tree control without a
-  // selection does not move on the arrow keys: they start at the top node.
-  constexpr int kHome = 36, kUp = 38, kDown = 40;
-  if (shift == 0 && (key == kHome || key == kUp || key == kDown) && !view_.SelectedNode() && root_) {
-    view_.SelectNode(NodeKey(root_->MenuId));
-    trvMenu_NodeClick(NodeKey(root_->MenuId));
-    return true;
-  }
   const struct {
     int key, shift;
     EditorCommand command;
@@ -352,6 +370,7 @@ void fMenuDef::PrepareItemMenu() {
   view_.EnableCommand(EditorCommand::Copy, inner);
   view_.EnableCommand(EditorCommand::Cut, inner);
   view_.EnableCommand(EditorCommand::PasteAsNext, inner && held);
+  view_.EnableCommand(EditorCommand::Paste, key.has_value() && held);
   view_.EnableCommand(EditorCommand::PasteAsChild, key.has_value() && held);
   view_.EnableCommand(EditorCommand::MoveUp, siblings && !siblings->IsFirst(item));
   view_.EnableCommand(EditorCommand::MoveDown, siblings && !siblings->IsLast(item));

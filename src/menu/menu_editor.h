@@ -26,6 +26,12 @@ extern std::wstring gMenuDir;
 extern std::wstring gAppName;
 extern std::wstring gBrailleName;
 
+// The deepest menu the editor edits: 25 levels of items below the top node,
+// as deep as a pop-up menu, which is how the screen reader offers the menu,
+// can nest. A deeper file is not opened; a paste or new item that would
+// make the menu deeper is refused.
+constexpr int kMaxMenuLevels = 25;
+
 enum class EditorText { TreeLabel, NameLabel, CommandLabel, HotKeyLabel, Ok, Cancel, Apply, ItemMenu };
 
 enum class EditorCommand {
@@ -106,18 +112,20 @@ class fMenuDef {
   void Form_Load();
   // Prepares the window for one menu: the application `appName` in `menuDir`
   // (or the general menu in `menuDir`). A damaged menu file is reported by
-  // the next Form_Activate.
+  // the next Form_Activate; a menu deeper than kMaxMenuLevels is not shown,
+  // never written, and the next Form_Activate says so and closes the window.
   void LoadDefs(const std::wstring& menuDir, const std::wstring& appName, bool general);
-  // The window is shown and modal: reports a damaged menu file found by the
-  // last LoadDefs, once. Reported earlier, the box would stand alone while
-  // the windows behind the editor still took input.
+  // The window is shown and modal: reports a damaged or too deep menu file
+  // found by the last LoadDefs, once. Reported earlier, the box would stand
+  // alone while the windows behind the editor still took input.
   void Form_Activate();
   // The menu's items as HTML for the help page: "<H3>A</H3>" and the list,
   // or "" when there is no menu.
   std::wstring ListDefs(const std::wstring& menuDir, const std::wstring& appName, bool general);
 
-  // Writes the tree (or deletes the file when there is none). False, after
-  // telling the user, when the file could not be written.
+  // Writes the tree (or deletes the file when there is none; a file too deep
+  // to open is left alone). False, after telling the user, when the file
+  // could not be written.
   bool Save();
   void cmdOK_Click();
   void cmdApply_Click();
@@ -168,7 +176,14 @@ class fMenuDef {
   cMenuItem* ItemOfNode(const std::wstring& key) const;
   cMenuItem* SelectedItem() const;
   bool SelectedIsTop() const;
+  // Where a paste goes: the selected item, or the top node when none is.
+  cMenuItem* PasteTarget() const;
+  // True, after saying why, when the held item cannot go to `target`: a cut
+  // item into its own subtree, or deeper than kMaxMenuLevels.
+  bool PasteRefused(const cMenuItem* target, bool asChild);
+  bool TooDeep(const cMenuItem* target, bool asChild) const;
   void PasteAt(cMenuItem* target, bool asChild);
+  void Tell(const std::wstring& text);
   void CaptionRoot();
 
   IMenuEditorView& view_;
@@ -180,6 +195,7 @@ class fMenuDef {
   bool damaged_ = false;   // the file did not read completely
   bool backedUp_ = false;  // the damaged original is kept as .bak
   bool damageToReport_ = false;
+  bool tooDeep_ = false;  // the file is deeper than the editor edits: nothing shown, nothing written
   bool pendingNewDone_ = false;
   MenuItemPtr clipboard_;
   bool cut_ = false;

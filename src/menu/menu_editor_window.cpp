@@ -57,9 +57,6 @@ bool MenuEditorWindow::PreTranslate(const MSG& msg) {
     return true;
   }
   if (msg.hwnd != Tree()) return false;
-  // A key in the tree is the user at work there: the tree's own selection
-  // by typing is welcome again.
-  unselected_ = false;
   if (logic_.trvMenu_KeyDown(key, shift)) return true;
   // Enter in the tree must not press OK: it would save and close the menu.
   return key == VK_RETURN && shift == 0;
@@ -87,16 +84,7 @@ INT_PTR MenuEditorWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) 
       // A new item pending from the command line starts once the tree has
       // the focus, after the messages already waiting.
       if (header->idFrom == IDC_TRV_MENU && header->code == NM_SETFOCUS) PostMessageW(hwnd_, kTreeFocused, 0, 0);
-      // A tree without a selection picks its first node itself when it gets
-      // the focus back, for example from the question about a deleted
-      // item's script; the tree is to stay without one until the user moves.
-      if (header->idFrom == IDC_TRV_MENU && header->code == TVN_SELCHANGINGW && unselected_ &&
-          reinterpret_cast<const NMTREEVIEWW*>(lParam)->action == TVC_UNKNOWN) {
-        SetWindowLongPtrW(hwnd_, DWLP_MSGRESULT, TRUE);
-        return TRUE;
-      }
       if (header->idFrom == IDC_TRV_MENU && header->code == TVN_SELCHANGEDW && !updating_) {
-        unselected_ = false;
         const auto* change = reinterpret_cast<const NMTREEVIEWW*>(lParam);
         auto key = keys_.find(change->itemNew.hItem);
         if (key != keys_.end()) logic_.trvMenu_NodeClick(key->second);
@@ -149,7 +137,6 @@ void MenuEditorWindow::OnContextMenu(HWND from, LPARAM position) {
     ScreenToClient(Tree(), &hit.pt);
     HTREEITEM item = TreeView_HitTest(Tree(), &hit);
     if (!item || !(hit.flags & TVHT_ONITEM)) return;
-    unselected_ = false;
     TreeView_SelectItem(Tree(), item);
   }
   logic_.OpenContextMenu();
@@ -229,7 +216,6 @@ void MenuEditorWindow::EndTreeUpdate() {
   SendMessageW(Tree(), WM_SETREDRAW, TRUE, 0);
   InvalidateRect(Tree(), nullptr, TRUE);
   updating_ = false;
-  unselected_ = TreeView_GetSelection(Tree()) == nullptr;
 }
 
 void MenuEditorWindow::ClearTree() {
@@ -268,7 +254,6 @@ std::optional<std::wstring> MenuEditorWindow::SelectedNode() const {
 void MenuEditorWindow::SelectNode(const std::wstring& key) {
   auto node = nodes_.find(key);
   if (node == nodes_.end()) return;
-  unselected_ = false;
   TreeView_SelectItem(Tree(), node->second);
 }
 

@@ -60,7 +60,6 @@ class MenuEditorWindow final : public ModalDialog, public IMenuEditorView {
   HWND Tree() const;
 
   bool updating_ = false;
-  bool unselected_ = false;  // refilled without a selection, kept so until the user moves
   Win32Prompts prompts_;
   fMenuDef logic_;
   std::unordered_map<std::wstring, HTREEITEM> nodes_;

@@ -108,38 +108,40 @@ class AppFoldersTest : public ::testing::Test {
   fAppSelect app_{view_, prompts_, info_, &editor_, AppListPorts{&folders_, &apps_, &codePage_}};
 };
 
+// A refused name is told, and offered again as typed: here the box is then
+// cancelled, or given `then`.
 TEST_F(AppFoldersTest, RenameTakesOnlyNamesAFolderCanHave) {
   const struct {
     const wchar_t* answer;
     const wchar_t* message;    // "" for none
     const wchar_t* renamedTo;  // null: nothing moved
+    const wchar_t* then = L"";
   } cases[] = {
       {L"", L"", nullptr},  // cancelled
       {L"notepad", L"", nullptr},
-      {L"   ", L"The new name is empty. Nothing was renamed.", nullptr},
-      {L"a/b",
-       L"The name \"a/b\" cannot be a folder name: it must not contain \\ / : * ? \" < > |. Nothing was renamed.",
+      {L"   ", L"The new name is empty.", nullptr},
+      {L"a/b", L"The name \"a/b\" cannot be a folder name: it must not contain \\ / : * ? \" < > |.", nullptr},
+      {L"x.", L"The name \"x.\" cannot be a folder name: it must not be \".\" or \"..\" or end in a dot or a blank.",
        nullptr},
-      {L"x.",
-       L"The name \"x.\" cannot be a folder name: it must not be \".\" or \"..\" or end in a dot or a blank. "
-       L"Nothing was renamed.",
-       nullptr},
-      {L"nul.txt", L"The name \"nul.txt\" is reserved by Windows for a device. Nothing was renamed.", nullptr},
-      {L"Word", L"A menu named \"Word\" already exists. Nothing was renamed.", nullptr},
-      {L"Editor", L"", L"Editor"},
+      {L"nul.txt", L"The name \"nul.txt\" is reserved by Windows for a device.", nullptr},
+      {L"Word", L"A menu named \"Word\" already exists.", nullptr},
+      {L"(narrix)", L"A menu named \"(narrix)\" already exists.", nullptr},
+      {L"a|b", L"The name \"a|b\" cannot be a folder name: it must not contain \\ / : * ? \" < > |.", L"Editor",
+       L"Editor"},
   };
   for (const auto& c : cases) {
     Select(L"notepad");
     prompts_.said.clear();
-    prompts_.inputs = {c.answer};
+    prompts_.inputs = {c.answer, c.then};
     app_.cmdRename_Click();
-    ASSERT_GE(prompts_.said.size(), 1u);
-    EXPECT_EQ(prompts_.said[0], L"P\u0159ejmenovat: &New name: notepad");
-    EXPECT_EQ(prompts_.said.size() > 1 ? prompts_.said[1] : L"",
-              *c.message ? c.message + std::wstring(L" [") + std::to_wstring(kExclamation) + L"]" : L"")
-        << c.answer;
+    std::vector<std::wstring> said{L"P\u0159ejmenovat: &New name: notepad"};
+    if (*c.message) {
+      said.push_back(c.message + std::wstring(L" Nothing was renamed. [") + std::to_wstring(kExclamation) + L"]");
+      said.push_back(L"P\u0159ejmenovat: &New name: " + std::wstring(c.answer));
+    }
+    EXPECT_EQ(prompts_.said, said) << WideToUtf8(c.answer);
     const std::wstring expected = c.renamedTo ? c.renamedTo : L"notepad";
-    EXPECT_TRUE(PathExists(dir_.Path(L"Set\\") + expected + L"\\Command.mnu")) << c.answer;
+    EXPECT_TRUE(PathExists(dir_.Path(L"Set\\") + expected + L"\\Command.mnu")) << WideToUtf8(c.answer);
   }
   // The position selected before is selected again, with the focus in the list.
   EXPECT_EQ(view_.entries, (std::vector<std::wstring>{L"(Narrix)", L"Editor", L"excel", L"Word"}));

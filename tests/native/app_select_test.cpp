@@ -150,6 +150,7 @@ TEST_F(AppSelectTest, CommandLineOpensAnExistingMenuIgnoringCase) {
       {L"excel*C:\\s\\a.vbs/Focus 40", L"excel", L"C:\\s\\a.vbs", L"Focus 40"},
       {L"(narrix)", L"(Narrix)", L"", L""},
       {L"/Focus 40", nullptr, L"", L"Focus 40"},
+      {L"*C:\\a.vbs", nullptr, L"C:\\a.vbs", L""},  // kept for the first menu opened
       {L"", nullptr, L"", L""},
   };
   for (const auto& c : cases) {
@@ -186,6 +187,30 @@ TEST_F(AppSelectTest, UnknownApplicationIsOfferedANewMenu) {
   EXPECT_EQ(view_.ListEntry(view_.selected), L"notepad");
 }
 
+// A name becomes a folder in Set only under the rules of a rename: a refused
+// one is told, without question 505, and nothing is created.
+TEST_F(AppSelectTest, CommandLineNamesFollowTheFolderRules) {
+  const struct {
+    const wchar_t *args, *message;
+  } cases[] = {
+      {L"..\\outside", L"The name \"..\\outside\" cannot be a folder name: it must not contain \\ / : * ? \" < > |."},
+      {L"..", L"The name \"..\" cannot be a folder name: it must not be \".\" or \"..\" or end in a dot or a blank."},
+      {L"con*a.vbs", L"The name \"con\" is reserved by Windows for a device."},
+  };
+  Load();
+  for (const auto& c : cases) {
+    prompts_.asked.clear();
+    prompts_.answers = {mb::kIdOk};
+    app_.SelectAppByCommand(c.args);
+    ASSERT_EQ(prompts_.asked.size(), 1u) << WideToUtf8(c.args);
+    EXPECT_EQ(prompts_.asked[0].text, c.message + std::wstring(L" No menu was created."));
+    EXPECT_EQ(prompts_.asked[0].style, mb::kOkOnly | mb::kIconExclamation);
+  }
+  EXPECT_EQ(*ListSubfolders(dir_.Path()), std::vector<std::wstring>{L"Set"});
+  EXPECT_EQ(ListSubfolders(dir_.Path(L"Set"))->size(), 3u);
+  EXPECT_TRUE(editor_.calls.empty());
+}
+
 TEST_F(AppSelectTest, DecliningTheNewMenuCreatesNothing) {
   Load();
   prompts_.answers = {mb::kIdNo};
@@ -193,14 +218,6 @@ TEST_F(AppSelectTest, DecliningTheNewMenuCreatesNothing) {
   EXPECT_FALSE(PathExists(dir_.Path(L"Set\\notepad")));
   EXPECT_TRUE(editor_.calls.empty());
   EXPECT_EQ(view_.selected, 0);
-}
-
-TEST_F(AppSelectTest, AFolderThatCannotBeCreatedIsNotAskedForAgain) {
-  Load();
-  prompts_.answers = {mb::kIdYes};
-  app_.SelectAppByCommand(L"no\\such\\parent");
-  EXPECT_EQ(prompts_.asked.size(), 1u);
-  EXPECT_TRUE(editor_.calls.empty());
 }
 
 TEST_F(AppSelectTest, MissingSettingsFolderEndsTheProgram) {

@@ -208,17 +208,24 @@ TEST_F(MenuEditorTest, PasteAsksWhereAndChecksPullDowns) {
   EXPECT_EQ(view_.Shape(), L"Application (notepad)(Quit File(Open Save) Edit(Copy))");
 }
 
+// Refused with a message that names it, before "Save as subitem?".
 TEST_F(MenuEditorTest, ACutItemCannotGoIntoItsOwnSubtree) {
   Open();
   view_.SelectText(L"File");
   editor_.mnuTreeCut_Click();
+  prompts_.answers.assign(6, mb::kIdOk);
   for (const wchar_t* target : {L"File", L"Save"}) {
     view_.SelectText(target);
-    editor_.mnuTreePasteAsChild_Click();
-    editor_.mnuTreePasteAsNext_Click();
+    for (EditorCommand c : {EditorCommand::Paste, EditorCommand::PasteAsChild, EditorCommand::PasteAsNext})
+      editor_.Run(c);
   }
   EXPECT_EQ(view_.Shape(), L"Application (notepad)(File(Open Save) Edit(Copy) Quit)");
   EXPECT_FALSE(editor_.Dirty());
+  ASSERT_EQ(prompts_.asked.size(), 6u);
+  for (const auto& asked : prompts_.asked) {
+    EXPECT_EQ(asked.text, L"The cut item File cannot be pasted into itself or below itself. Nothing was pasted.");
+    EXPECT_EQ(asked.style, mb::kOkOnly | mb::kIconExclamation);
+  }
   view_.SelectText(L"Quit");  // elsewhere it moves
   editor_.mnuTreePasteAsNext_Click();
   EXPECT_EQ(view_.Shape(), L"Application (notepad)(Edit(Copy) Quit File(Open Save))");
@@ -233,6 +240,7 @@ TEST_F(MenuEditorTest, TopNodeAndEmptyClipboardDoNothing) {
   view_.SelectText(L"Quit");
   editor_.mnuTreePasteAsNext_Click();
   editor_.PrepareItemMenu();
+  EXPECT_FALSE(view_.enabled[EditorCommand::Paste]);
   EXPECT_FALSE(view_.enabled[EditorCommand::PasteAsNext]);
   EXPECT_FALSE(view_.enabled[EditorCommand::PasteAsChild]);
   EXPECT_FALSE(view_.enabled[EditorCommand::New]);  // no wizard in this program yet
@@ -251,6 +259,7 @@ TEST_F(MenuEditorTest, ItemMenuFollowsTheSelection) {
   EXPECT_EQ(view_.menusOpened, 2);
   EXPECT_EQ(view_.commandTexts[EditorCommand::PasteAsNext], L"Paste As Ne&xt (Edit)");
   EXPECT_EQ(view_.commandTexts[EditorCommand::PasteAsChild], L"Paste As C&hild (Edit)");
+  EXPECT_TRUE(view_.enabled[EditorCommand::Paste]);
   EXPECT_TRUE(view_.enabled[EditorCommand::PasteAsNext]);
   EXPECT_TRUE(view_.enabled[EditorCommand::Copy]);
   EXPECT_TRUE(view_.enabled[EditorCommand::MoveUp]);
@@ -267,28 +276,40 @@ TEST_F(MenuEditorTest, DeleteAsksAndCleansUpScripts) {
   Open();
   dir_.Write(L"Set\\notepad\\Open.vbs", "x");
   dir_.Write(L"Set\\notepad\\Open.frm", "x");
+  // Afterwards the next sibling, else the previous one, else the parent is
+  // selected and shown.
   const struct {
     const wchar_t* item;
     std::vector<int> answers;
     const wchar_t* question;
-    unsigned style;
     const wchar_t* shape;
+    const wchar_t* selected;
   } steps[] = {
       {L"Edit",
        {mb::kIdNo},
        L"Are you sure to remove the item Edit and its subitems?",
-       36,
-       L"Application (notepad)(File(Open Save) Edit(Copy) Quit)"},
+       L"Application (notepad)(File(Open Save) Edit(Copy) Quit)",
+       L"Edit"},
       {L"Open",
        {mb::kIdYes, mb::kIdYes},
        L"Are you sure to remove the item Open",
-       36,
-       L"Application (notepad)(File(Save) Edit(Copy) Quit)"},
+       L"Application (notepad)(File(Save) Edit(Copy) Quit)",
+       L"Save"},
+      {L"Quit",
+       {mb::kIdYes},
+       L"Are you sure to remove the item Quit",
+       L"Application (notepad)(File(Save) Edit(Copy))",
+       L"Edit"},
+      {L"Save",
+       {mb::kIdYes},
+       L"Are you sure to remove the item Save",
+       L"Application (notepad)(File Edit(Copy))",
+       L"File"},
       {L"Edit",
        {mb::kIdYes},
        L"Are you sure to remove the item Edit and its subitems?",
-       36,
-       L"Application (notepad)(File(Save) Quit)"},
+       L"Application (notepad)(File)",
+       L"File"},
   };
   for (const auto& step : steps) {
     prompts_.asked.clear();
@@ -298,15 +319,11 @@ TEST_F(MenuEditorTest, DeleteAsksAndCleansUpScripts) {
     EXPECT_TRUE(editor_.trvMenu_KeyDown(46, 0));
     ASSERT_FALSE(prompts_.asked.empty());
     EXPECT_EQ(prompts_.asked[0].text, step.question);
-    EXPECT_EQ(prompts_.asked[0].style, step.style);
+    EXPECT_EQ(prompts_.asked[0].style, 36u);
     EXPECT_EQ(view_.Shape(), step.shape);
-    // Kept, the item stays selected and shown; deleted, nothing is selected
-    // and the fields are empty.
-    const bool kept = step.answers[0] == mb::kIdNo;
-    EXPECT_EQ(view_.selected.has_value(), kept) << WideToUtf8(step.item);
-    EXPECT_EQ(view_.fields[0], kept ? step.item : L"");
-    EXPECT_EQ(view_.fields[1], L"");
-    EXPECT_EQ(view_.fields[2], L"");
+    ASSERT_TRUE(view_.selected.has_value()) << WideToUtf8(step.item);
+    EXPECT_EQ(view_.NodeText(*view_.selected), step.selected) << WideToUtf8(step.item);
+    EXPECT_EQ(view_.fields[0], step.selected) << WideToUtf8(step.item);
   }
   EXPECT_FALSE(std::filesystem::exists(dir_.Fs() / "Set" / "notepad" / "Open.vbs"));
   EXPECT_FALSE(std::filesystem::exists(dir_.Fs() / "Set" / "notepad" / "Open.frm"));
@@ -323,25 +340,18 @@ TEST_F(MenuEditorTest, DeleteAsksAndCleansUpScripts) {
   EXPECT_TRUE(view_.closed);
 }
 
-// With no node selected (after a delete) the moving keys start at the top
-// node; with one they are the tree's own.
-TEST_F(MenuEditorTest, MovingKeysWithoutASelectionStartAtTheTop) {
+// With no node selected a paste goes to the top node, as it does there.
+TEST_F(MenuEditorTest, WithoutASelectionPasteGoesUnderTheTopNode) {
   Open();
-  const struct {
-    int key, shift;
-    bool selectsTop;
-  } keys[] = {{40, 0, true}, {38, 0, true}, {36, 0, true}, {35, 0, false}, {40, 2, false}, {39, 0, false}};
-  for (const auto& k : keys) {
-    view_.selected.reset();
-    view_.SetFields(L"", L"", L"");
-    EXPECT_EQ(editor_.trvMenu_KeyDown(k.key, k.shift), k.selectsTop) << k.key;
-    EXPECT_EQ(view_.selected, k.selectsTop ? std::optional<std::wstring>(view_.nodes[0].key) : std::nullopt) << k.key;
-    EXPECT_EQ(view_.fields[0], k.selectsTop ? L"Application (notepad)" : L"") << k.key;
-  }
   view_.SelectText(L"Quit");
-  EXPECT_FALSE(editor_.trvMenu_KeyDown(40, 0));
-  EXPECT_FALSE(editor_.trvMenu_KeyDown(36, 0));
-  EXPECT_EQ(view_.selected, L"k261");
+  editor_.mnuTreeCopy_Click();
+  for (EditorCommand c : {EditorCommand::PasteAsNext, EditorCommand::Paste, EditorCommand::PasteAsChild}) {
+    view_.selected.reset();
+    editor_.Run(c);
+  }
+  EXPECT_EQ(view_.Shape(), L"Application (notepad)(Quit Quit File(Open Save) Edit(Copy) Quit)");
+  EXPECT_EQ(view_.fields[0], L"Quit");
+  EXPECT_TRUE(prompts_.asked.empty());
 }
 
 TEST_F(MenuEditorTest, ShiftUpAndDownMoveAmongSiblings) {
@@ -404,12 +414,20 @@ TEST_F(MenuEditorTest, DamagedFileIsReportedAndKept) {
   ASSERT_EQ(prompts_.asked.size(), 1u);
   EXPECT_NE(prompts_.asked[0].text.find(MenuFile() + L" is damaged"), std::wstring::npos);
   EXPECT_EQ(view_.Shape(), L"Application (notepad)(File(Open Save) Edit(Copy))");
+  std::filesystem::create_directory(dir_.Fs() / "Set" / "notepad" / "Command.mnu.bak");
+  prompts_.answers = {mb::kIdOk};
+  editor_.cmdApply_Click();
+  EXPECT_EQ(prompts_.asked.back().text, L"The menu could not be saved to " + MenuFile() +
+                                            L".\r\nThe damaged original could not be kept as " + MenuFile() +
+                                            L".bak.\r\nThe file was not changed.");
+  EXPECT_EQ(dir_.Read(L"Set\\notepad\\Command.mnu"), bytes.substr(0, bytes.size() - 3));
+  std::filesystem::remove(dir_.Fs() / "Set" / "notepad" / "Command.mnu.bak");
   editor_.cmdApply_Click();
   editor_.cmdApply_Click();
   EXPECT_EQ(dir_.Read(L"Set\\notepad\\Command.mnu.bak"), bytes.substr(0, bytes.size() - 3));
   Open();  // saved whole: nothing to report
   editor_.Form_Activate();
-  EXPECT_EQ(prompts_.asked.size(), 1u);
+  EXPECT_EQ(prompts_.asked.size(), 2u);
 }
 
 TEST_F(MenuEditorTest, AFailedSaveKeepsTheWindowAndTheEdits) {
@@ -435,8 +453,13 @@ TEST_F(MenuEditorTest, LostBrailleCodesAreAFailedSave) {
   editor.cmdOK_Click();
   EXPECT_FALSE(view_.closed);
   ASSERT_FALSE(prompts_.asked.empty());
-  EXPECT_EQ(prompts_.asked.back().text, L"The menu could not be saved to " + dir_.Path(L"Set\\notepad\\Focus 40.ini") +
-                                            L". The file was not changed.");
+  // The file and, on a line of its own, why.
+  const std::wstring said = prompts_.asked.back().text,
+                     head = L"The menu could not be saved to " + dir_.Path(L"Set\\notepad\\Focus 40.ini") + L".\r\n",
+                     tail = L"\r\nThe file was not changed.";
+  EXPECT_EQ(said.substr(0, head.size()), head);
+  EXPECT_GT(said.size(), head.size() + tail.size());
+  EXPECT_EQ(said.substr(said.size() - tail.size()), tail);
 }
 
 // Stands in for the item wizard: renames the item, or is cancelled.
@@ -480,6 +503,82 @@ TEST_F(MenuEditorTest, NewAndEditGoThroughTheWizard) {
   editor.mnuNew_Click();
   EXPECT_EQ(view_.Shape(), L"Application (notepad)(Print)");
   EXPECT_TRUE(view_.enabled[EditorCommand::Preview]);
+}
+
+// A tree control and a pop-up menu hold 25 levels of items: a deeper file is
+// not opened and never written; a paste or new item is not put deeper.
+TEST_F(MenuEditorTest, MenusAreAtMost25LevelsDeep) {
+  RenamingWizard wizard;
+  fMenuDef editor(view_, prompts_, MenuEditorServices{info_, defs_, profile_, menus_, braille_, nullptr, &wizard});
+  editor.Form_Load();
+  std::vector<std::wstring> captions;
+  std::vector<Spec> items;
+  std::vector<int> levels;
+  for (int level = 0; level < 26; ++level) captions.push_back(L"L" + std::to_wstring(level + 1));
+  for (int level = 0; level < 26; ++level) {
+    items.push_back({captions[static_cast<size_t>(level)].c_str(), L"", 0});
+    levels.push_back(level);
+  }
+  WriteMenu(items, levels);
+  const std::string bytes = dir_.Read(L"Set\\notepad\\Command.mnu");
+  gCmdScriptPath = L"a.vbs";
+  editor.LoadDefs(dir_.Path(L"Set"), L"notepad", false);
+  EXPECT_EQ(view_.NodeCount(), 0);
+  EXPECT_TRUE(prompts_.asked.empty());
+  prompts_.answers = {mb::kIdOk};
+  editor.Form_Activate();
+  ASSERT_EQ(prompts_.asked.size(), 1u);
+  EXPECT_EQ(prompts_.asked[0].text.rfind(L"The menu file " + MenuFile() + L" has items nested more than 25 levels", 0),
+            0u);
+  EXPECT_TRUE(view_.closed);
+  editor.trvMenu_GotFocus();  // the script waits for the next menu
+  editor.mnuNew_Click();
+  EXPECT_TRUE(wizard.seen.empty());
+  EXPECT_EQ(gCmdScriptPath, L"a.vbs");
+  gCmdScriptPath.clear();
+  editor.cmdApply_Click();
+  EXPECT_TRUE(editor.Form_QueryUnload());
+  EXPECT_EQ(dir_.Read(L"Set\\notepad\\Command.mnu"), bytes);
+
+  items.pop_back();
+  levels.pop_back();
+  WriteMenu(items, levels);
+  editor.LoadDefs(dir_.Path(L"Set"), L"notepad", false);
+  EXPECT_EQ(view_.NodeCount(), 26);
+  wizard.newCaption = L"Fresh";
+  const std::wstring tooDeep = L"cannot go there: the menu would have more than 25 levels";
+  const struct {
+    const wchar_t *copy, *target;
+    EditorCommand command;
+    std::vector<int> answers;
+    int told;     // how many of the messages said it was too deep
+    bool pasted;  // under L24: after L25 or as its first child
+  } cases[] = {
+      {L"L25", L"L25", EditorCommand::PasteAsChild, {mb::kIdOk}, 1, false},
+      {L"L24", L"L25", EditorCommand::Paste, {mb::kIdOk}, 1, false},  // refused before asking
+      {L"L25", L"L25", EditorCommand::Paste, {mb::kIdYes, mb::kIdOk, mb::kIdNo}, 1, true},
+      {nullptr, L"L25", EditorCommand::New, {mb::kIdYes, mb::kIdOk, mb::kIdNo}, 1, true},
+      {L"L25", L"L24", EditorCommand::PasteAsChild, {}, 0, true},
+  };
+  for (const auto& c : cases) {
+    editor.LoadDefs(dir_.Path(L"Set"), L"notepad", false);
+    prompts_.asked.clear();
+    prompts_.answers.assign(c.answers.begin(), c.answers.end());
+    if (c.copy) {
+      view_.SelectText(c.copy);
+      editor.mnuTreeCopy_Click();
+    }
+    view_.SelectText(c.target);
+    editor.Run(c.command);
+    EXPECT_EQ(std::count_if(prompts_.asked.begin(), prompts_.asked.end(),
+                            [&](const auto& a) { return a.text.find(tooDeep) != std::wstring::npos; }),
+              c.told)
+        << WideToUtf8(c.target);
+    EXPECT_EQ(view_.NodeCount(), c.pasted ? 27 : 26) << WideToUtf8(c.target);
+    if (c.pasted) {
+      EXPECT_EQ(view_.NodeText(view_.Find(*view_.selected)->parent), L"L24");
+    }
+  }
 }
 
 TEST_F(MenuEditorTest, ListDefsRendersTheHelpSection) {

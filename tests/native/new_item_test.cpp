@@ -145,6 +145,33 @@ TEST_F(NewItemTest, NewItemStartsBlankWithDiscard) {
   EXPECT_EQ(view_.Shape(), L"Application (notepad)(File(Open Save Typed) Edit(Copy) Quit)");
 }
 
+// After a delete the neighbour is selected, and a new item goes next to it
+// as asked; with nothing selected it goes under the top node unasked.
+TEST_F(NewItemTest, NewAfterADeleteOrWithoutASelection) {
+  const struct {
+    const wchar_t* deleted;  // null: nothing selected
+    std::vector<int> answers;
+    const wchar_t* shape;
+  } cases[] = {
+      {L"Open", {mb::kIdYes, mb::kIdNo}, L"Application (notepad)(File(Save Typed) Edit(Copy) Quit)"},
+      {L"Quit", {mb::kIdYes, mb::kIdYes}, L"Application (notepad)(File(Open Save) Edit(Typed Copy))"},
+      {nullptr, {}, L"Application (notepad)(Typed File(Open Save) Edit(Copy) Quit)"},
+  };
+  for (const auto& c : cases) {
+    editor_.LoadDefs(dir_.Path(L"Set"), L"notepad", false);
+    prompts_.answers.assign(c.answers.begin(), c.answers.end());
+    view_.selected.reset();
+    if (c.deleted) {
+      view_.SelectText(c.deleted);
+      editor_.mnuTreeDelete_Click();
+    }
+    EXPECT_TRUE(editor_.trvMenu_KeyDown('N', 2));
+    EXPECT_EQ(view_.Shape(), c.shape);
+    EXPECT_EQ(view_.fields[0], L"Typed");
+    EXPECT_TRUE(prompts_.answers.empty());
+  }
+}
+
 // New borrows the clipboard for its paste and gives it back.
 TEST_F(NewItemTest, NewKeepsTheCopiedItem) {
   view_.SelectText(L"Copy");

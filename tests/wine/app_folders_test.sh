@@ -4,7 +4,8 @@
 # "11.0.6568") runs as winword.exe; Add version copies its menu folder, says
 # "Složka již existuje." the second time and "Nelze provést." once it has
 # stopped; the copy is renamed through the input box (a bad name refused
-# first), removed with Delete (No, the default, first); Export writes the
+# first: the box comes back with it selected, and typing replaces it),
+# removed with Delete (No, the default, first); Export writes the
 # help page, and a second export leaves it byte for byte the same.
 # In Czech the buttons have their Czech access keys.
 # Usage: app_folders_test.sh BIN_DIR DEMO_DIR WORK_DIR english|czech
@@ -79,8 +80,8 @@ press Return
 expect "a bad name" message "$title" "$bad_name"
 press Return
 [ -d "$set_dir/winword_ver.11.0.6568" ] || fail "a refused name moved the folder"
-press "$rename"
-expect "the input box again" visible "Přejmenovat" "1502 Edit winword_ver.11.0.6568"
+expect "the input box again, with the refused name" visible "Přejmenovat" "1502 Edit a/b"
+expect "the focus in the input box" active "Přejmenovat" "focus: 1502"
 sleep 0.6; xdotool type --delay 60 "word 2003"
 press Return
 wait_for 1 "$set_dir/word 2003" || fail "not renamed"

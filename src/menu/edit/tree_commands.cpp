@@ -2,6 +2,7 @@
 // and moving an item among its siblings.
 #include "menu/edit/tree_commands.h"
 
+#include <algorithm>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -16,7 +17,7 @@ namespace nx {
 namespace {
 
 constexpr int kNewItem = 704, kPullDownQuestion = 630, kSubitemQuestion = 631, kWholeMenuQuestion = 632;
-constexpr int kRemoveQuestion = 633, kRemoveAllQuestion = 634;
+constexpr int kRemoveQuestion = 633, kRemoveAllQuestion = 634, kPasteIntoItself = 661, kTooDeep = 663;
 constexpr int kProductTitle = 2053;
 // Yes/No with No as the default; Yes/No/Cancel with No as the default.
 constexpr unsigned kYesNoDefaultNo = mb::kYesNo | mb::kIconQuestion | mb::kDefaultButton2;
@@ -43,6 +44,18 @@ MenuItemPtr DeepCopy(const cMenuItem& source) {
   return copy;
 }
 
+int MenuLevels(const cMenuItem& item) {
+  size_t levels = 0;
+  WalkTree(
+      item,
+      [&](const cMenuItem&, size_t depth, int) {
+        levels = std::max(levels, depth + 1);
+        return true;
+      },
+      [](const cMenuItem&, size_t) {});
+  return static_cast<int>(levels);
+}
+
 void fMenuDef::mnuTreeCopy_Click() {
   cMenuItem* item = SelectedItem();
   if (!item || SelectedIsTop()) return;
@@ -57,34 +70,63 @@ void fMenuDef::mnuTreeCut_Click() {
   cut_ = true;
 }
 
+cMenuItem* fMenuDef::PasteTarget() const {
+  cMenuItem* selected = SelectedItem();
+  return selected ? selected : root_.get();
+}
+
+bool fMenuDef::TooDeep(const cMenuItem* target, bool asChild) const {
+  int level = asChild ? 1 : 0;  // of the pasted item: the top node's children are on level 1
+  for (const cMenuItem* at = target; at && at != root_.get(); at = at->Parent) ++level;
+  return level + MenuLevels(*clipboard_) > kMaxMenuLevels;
+}
+
+bool fMenuDef::PasteRefused(const cMenuItem* target, bool asChild) {
+  // A cut item cannot go into its own subtree: taking it out first would
+  // take the target with it.
+  if (cut_ && clipboard_->Contains(target)) {
+    Tell(LoadResText(kPasteIntoItself, clipboard_->Caption));
+    return true;
+  }
+  if (!TooDeep(target, asChild)) return false;
+  Tell(LoadResText(kTooDeep, clipboard_->Caption));
+  return true;
+}
+
 void fMenuDef::mnuTreePaste_Click() {
-  cMenuItem* target = SelectedItem();
+  cMenuItem* target = PasteTarget();
   if (!target || !clipboard_) return;
-  if (SelectedIsTop()) {
+  if (target == root_.get()) {
     PasteAt(target, true);
     return;
   }
-  const int answer = prompts_.Message(LoadResText(kSubitemQuestion), kYesNoCancelDefaultNo, LoadResText(kProductTitle));
-  if (answer == mb::kIdYes) PasteAt(target, true);
-  if (answer == mb::kIdNo) PasteAt(target, false);
+  // Refused whatever the answer: said before asking.
+  if (PasteRefused(target, false)) return;
+  for (;;) {
+    const int answer =
+        prompts_.Message(LoadResText(kSubitemQuestion), kYesNoCancelDefaultNo, LoadResText(kProductTitle));
+    // Too deep as a child: asked again, so that a new item is not lost.
+    if (answer == mb::kIdYes && PasteRefused(target, true)) continue;
+    if (answer == mb::kIdYes) PasteAt(target, true);
+    if (answer == mb::kIdNo) PasteAt(target, false);
+    return;
+  }
 }
 
 void fMenuDef::mnuTreePasteAsNext_Click() {
-  cMenuItem* target = SelectedItem();
-  if (!target || !clipboard_ || SelectedIsTop()) return;
+  cMenuItem* target = PasteTarget();
+  if (!target || !clipboard_ || target == root_.get()) return;
   PasteAt(target, false);
 }
 
 void fMenuDef::mnuTreePasteAsChild_Click() {
-  cMenuItem* target = SelectedItem();
+  cMenuItem* target = PasteTarget();
   if (!target || !clipboard_) return;
   PasteAt(target, true);
 }
 
 void fMenuDef::PasteAt(cMenuItem* target, bool asChild) {
-  // A cut item cannot go into its own subtree: taking it out first would
-  // take the target with it.
-  if (cut_ && clipboard_->Contains(target)) return;
+  if (PasteRefused(target, asChild)) return;
   if (asChild && (!target->Action.empty() || target->HotKey != 0)) {
     if (prompts_.Message(LoadResText(kPullDownQuestion, target->Caption), kYesNoDefaultNo,
                          LoadResText(kProductTitle)) != mb::kIdYes)
@@ -128,12 +170,21 @@ void fMenuDef::mnuTreeDelete_Click() {
                        LoadResText(kProductTitle)) != mb::kIdYes)
     return;
   MenuItemPtr removed = item->shared_from_this();
+  // Its next sibling, else the previous one, else its parent is selected
+  // afterwards, and shown, so that the next command has a place.
+  cMenuItem* parent = item->Parent;
+  cMenuItem* neighbour = parent ? parent : root_.get();
+  if (parent) {
+    const cMenuItems& siblings = parent->SubItems;
+    int position = 1;
+    while (position <= siblings.Count() && siblings.item(position).get() != item) ++position;
+    if (const auto next = siblings.item(position + 1))
+      neighbour = next.get();
+    else if (const auto previous = siblings.item(position - 1))
+      neighbour = previous.get();
+  }
   root_->RemoveItem(item);
-  // Nothing is selected afterwards and the fields are empty, so that nothing
-  // suggests the deleted item is still there; the tree keeps the focus and
-  // the next arrow key selects again.
-  Refresh(nullptr);
-  view_.SetFields(L"", L"", L"");
+  Refresh(neighbour);
   SetDirty(true);
 
   const std::wstring script = JoinPath(JoinPath(services_.info.DirSet(), gAppName), removed->Caption + L".vbs");
@@ -160,7 +211,7 @@ void fMenuDef::MoveSelected(bool down) {
 }
 
 void fMenuDef::mnuNew_Click() {
-  if (!services_.wizard) return;
+  if (!services_.wizard || tooDeep_) return;
   MenuItemPtr item = cMenuItem::New();
   item->Caption = LoadResText(kNewItem);
   item->HotKey = 0;

@@ -10,4 +10,8 @@ namespace nx {
 // the tree is renumbered.
 MenuItemPtr DeepCopy(const cMenuItem& source);
 
+// How many levels of items `item` has below it: 0 for a leaf, 1 when its
+// children are leaves, and so on.
+int MenuLevels(const cMenuItem& item);
+
 }  // namespace nx
