@@ -15,7 +15,7 @@ constexpr int kCaption = 501, kListLabel = 502, kEdit = 503, kGeneralMenu = 504,
 constexpr int kCancel = 101, kBadInstallation = 1050, kProductTitle = 2053;
 constexpr int kNewNameLabel = 650, kNameEmpty = 651, kNameBadCharacter = 652, kNameDots = 653, kNameReserved = 654;
 constexpr int kNameTaken = 655, kGeneralFixed = 656, kRename = 657, kRemove = 658, kAddVersion = 659, kExport = 660;
-constexpr int kNothingRenamed = 664, kNoMenuCreated = 665;
+constexpr int kNothingRenamed = 664, kNoMenuCreated = 665, kFileInTheWay = 668, kNotCreated = 669;
 constexpr int kDeleteKey = 46;
 
 // The screen reader's own fixed Czech texts for these buttons.
@@ -100,7 +100,11 @@ void fAppSelect::SelectAppByCommand(const std::wstring& arguments) {
     const int answer = prompts_.Message(LoadResText(kCreateMenuQuestion, request.appName),
                                         mb::kYesNo | mb::kIconQuestion, LoadResText(kProductTitle));
     if (answer != mb::kIdYes) return;
-    if (!CreateFolder(JoinPath(info_.DirSet(), request.appName))) return;
+    if (!CreateFolder(JoinPath(info_.DirSet(), request.appName))) {
+      Tell(LoadResText(kNotCreated, JoinPath(info_.DirSet(), request.appName)), mb::kIconExclamation);
+      view_.FocusList();
+      return;
+    }
   }
 }
 
@@ -171,9 +175,13 @@ bool fAppSelect::NameRefused(const std::wstring& oldName, const std::wstring& ne
   }
   // The general menu's entry, or another folder of that name; a change of
   // case only is a rename.
+  const std::wstring path = JoinPath(info_.DirSet(), newName);
   if (!message && UpperCase(newName) != UpperCase(oldName) &&
-      (UpperCase(newName) == UpperCase(LoadResText(kGeneralMenu)) || IsFolder(JoinPath(info_.DirSet(), newName))))
+      (UpperCase(newName) == UpperCase(LoadResText(kGeneralMenu)) || IsFolder(path)))
     message = kNameTaken;
+  // A file of that name (setting.ini) would make the move or the new folder
+  // fail with nothing said.
+  if (!message && PathExists(path) && !IsFolder(path)) message = kFileInTheWay;
   if (message) Tell(LoadResText(message, newName) + L" " + LoadResText(outcome), mb::kIconExclamation);
   return message != 0;
 }

@@ -196,8 +196,10 @@ TEST_F(AppSelectTest, CommandLineNamesFollowTheFolderRules) {
       {L"..\\outside", L"The name \"..\\outside\" cannot be a folder name: it must not contain \\ / : * ? \" < > |."},
       {L"..", L"The name \"..\" cannot be a folder name: it must not be \".\" or \"..\" or end in a dot or a blank."},
       {L"con*a.vbs", L"The name \"con\" is reserved by Windows for a device."},
+      {L"notes.txt", L"The settings folder holds a file named \"notes.txt\", so no menu folder can have that name."},
   };
   Load();
+  ASSERT_TRUE(WriteFileBytes(dir_.Path(L"Set\\notes.txt"), "x"));
   for (const auto& c : cases) {
     prompts_.asked.clear();
     prompts_.answers = {mb::kIdOk};

@@ -207,7 +207,7 @@ TEST(StringTable, EveryIdInBothLanguages) {
                           {608, 617},
                           {630, 636},
                           {640, 648},  // ours: preview, damaged file, failed save, moving, the wizard's extras
-                          {650, 667},  // ours: the folder buttons, their messages, the editor's refusals
+                          {650, 669},  // ours: the folder buttons, their messages, the editor's refusals
                           {700, 715},
                           {717, 725},
                           {1050, 1050},
