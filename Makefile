@@ -1,5 +1,6 @@
 # make run   the program under Wine on the demo installation (ARGS='notepad/Focus 40')
 # make test  every test: native, then the Windows build under Wine
+# make dist  the MSI and the zip for Windows users, in build/dist
 BUILD := build
 NATIVE := $(BUILD)/native
 WIN := $(BUILD)/win64
@@ -10,7 +11,7 @@ ASAN := $(BUILD)/asan
 FUZZ := $(BUILD)/fuzz
 FUZZ_SECONDS ?= 60
 
-.PHONY: all setup native win run test test-native test-asan test-wine fuzz bench screenshots clean
+.PHONY: all setup native win dist run test test-native test-asan test-wine fuzz bench screenshots clean
 
 all: native win
 
@@ -25,8 +26,14 @@ native: setup
 # (its menus are made by the native nxmenu).
 win: setup native
 	cmake -S . -B $(WIN) -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64.cmake -DCMAKE_BUILD_TYPE=Release \
-	  -DNX_DEMO_DIR=$(abspath $(NATIVE)/demo) -DNX_NATIVE_NXMENU=$(abspath $(NATIVE)/bin/nxmenu)
+	  -DNX_DEMO_DIR=$(abspath $(NATIVE)/demo) -DNX_NATIVE_NXMENU=$(abspath $(NATIVE)/bin/nxmenu) \
+	  -DNX_DIST_DIR=$(abspath $(BUILD)/dist)
 	cmake --build $(WIN) -j $(JOBS)
+
+# The MSI and the zip, named after the version, in $(BUILD)/dist.
+dist: win
+	cmake --build $(WIN) --target dist
+	@ls -1 $(BUILD)/dist
 
 # ARGS reaches the program through the environment, untouched by make and the
 # shell: a script path such as notepad*$(appsetdir)\hello.vbs keeps its text.

@@ -19,6 +19,13 @@ have Xvfb || need+=(xvfb)
 have xdotool || need+=(xdotool)
 # ImageMagick's import takes the screenshots; a stand-in convert is not enough.
 have import || need+=(imagemagick)
+# make dist: the MSI (wixl), the zip and the README as a web page; the
+# release test reads the executables' resources with pefile. Debian's own
+# Python, which has Debian's modules whatever else is first on PATH.
+have wixl || need+=(wixl)
+have zip || need+=(zip)
+/usr/bin/python3 -c 'import markdown' 2>/dev/null || need+=(python3-markdown)
+/usr/bin/python3 -c 'import pefile' 2>/dev/null || need+=(python3-pefile)
 [ ${#need[@]} -eq 0 ] && exit 0
 
 echo "Installing: ${need[*]}"

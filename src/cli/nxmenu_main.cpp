@@ -514,6 +514,7 @@ int Main(const std::vector<std::wstring>& args) {
   const std::string command = U8(args[0]);
   const std::vector<std::wstring> rest(args.begin() + 1, args.end());
   if (command == "--help" || command == "-h" || command == "help") return Out(kUsage), 0;
+  if (command == "--version") return Out("nxmenu " NX_VERSION "\n"), 0;  // the build's version
   if (command == "dump") return Dump(rest, false);
   if (command == "to-json") return Dump(rest, true);
   if (command == "from-json") return FromJson(rest);

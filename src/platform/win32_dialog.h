@@ -5,6 +5,18 @@
 
 namespace nx {
 
+// The program's icon (icon 1 of the executable) in a window's title bar, on
+// the taskbar and in Alt+Tab, in the sizes for the screen's DPI.
+inline void SetProgramIcon(HWND hwnd) {
+  const auto icon = [](int metric) {
+    const int size = GetSystemMetrics(metric);
+    return reinterpret_cast<LPARAM>(
+        LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(1), IMAGE_ICON, size, size, LR_SHARED));
+  };
+  SendMessageW(hwnd, WM_SETICON, ICON_BIG, icon(SM_CXICON));
+  SendMessageW(hwnd, WM_SETICON, ICON_SMALL, icon(SM_CXSMICON));
+}
+
 // The dialog procedure of window class T: binds the object given to
 // CreateDialogParam when the dialog is created, hands every message to its
 // OnMessage, and lets no exception unwind into Windows (a failure ends that
@@ -16,6 +28,7 @@ INT_PTR CALLBACK DialogProcOf(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPa
     self = reinterpret_cast<T*>(lParam);
     self->hwnd_ = hwnd;
     SetWindowLongPtrW(hwnd, DWLP_USER, lParam);
+    SetProgramIcon(hwnd);
   } else {
     self = reinterpret_cast<T*>(GetWindowLongPtrW(hwnd, DWLP_USER));
   }
