@@ -232,6 +232,64 @@ int Braille(int argc, wchar_t** argv) {
   return reached > 0 ? 0 : 1;
 }
 
+// nxprobe layout TITLE [MS]: the window's DPI ("dpi: N"), then each shown
+// control as "ID CLASS LEFT TOP RIGHT BOTTOM inside|OUTSIDE fits|CUT|- TEXT",
+// in the window's client coordinates. OUTSIDE: the control reaches past the
+// client area; CUT: its caption needs more room than the control has, measured
+// with the dialog font at the screen's DPI (a font handle of the program's
+// process means nothing here); "-": a control whose text scrolls or is a list.
+int Layout(HWND hwnd) {
+  SetProcessDPIAware();  // pixels as the program, which is DPI aware, has them
+  HDC dc = GetDC(nullptr);
+  const int dpi = GetDeviceCaps(dc, LOGPIXELSY);
+  LOGFONTW font{};
+  font.lfHeight = -MulDiv(8, dpi, 72);
+  font.lfCharSet = DEFAULT_CHARSET;
+  lstrcpyW(font.lfFaceName, L"MS Shell Dlg");
+  HGDIOBJ old = SelectObject(dc, CreateFontIndirectW(&font));
+  const auto px = [dpi](int at96) { return MulDiv(at96, dpi, 96); };
+  Print(L"dpi: " + std::to_wstring(dpi));
+  RECT client{};
+  GetClientRect(hwnd, &client);
+  for (HWND child = GetWindow(hwnd, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+    if (!IsWindowVisible(child)) continue;
+    RECT r{};
+    GetWindowRect(child, &r);
+    MapWindowPoints(nullptr, hwnd, reinterpret_cast<POINT*>(&r), 2);
+    const bool inside = r.left >= 0 && r.top >= 0 && r.right <= client.right && r.bottom <= client.bottom;
+    const std::wstring cls = ClassOf(child), text = TextOf(child);
+    const LONG style = GetWindowLongW(child, GWL_STYLE);
+    // The room the caption has: the client area less the box, frame or edges drawn beside it.
+    RECT room{};
+    GetClientRect(child, &room);
+    UINT format = DT_CALCRECT | DT_SINGLELINE;
+    bool measured = !text.empty();
+    if (cls == L"Static") {
+      if ((style & SS_TYPEMASK) <= SS_RIGHT) format = DT_CALCRECT | DT_WORDBREAK;
+    } else if (cls == L"Button") {
+      const LONG type = style & BS_TYPEMASK;
+      if (type == BS_GROUPBOX)
+        room.right -= px(16);
+      else if (type <= BS_DEFPUSHBUTTON)
+        room.right -= 2 * px(4);
+      else
+        room.right -= px(17);  // check box or option button
+    } else {
+      measured = false;
+    }
+    const LONG width = room.right, height = room.bottom;
+    RECT need{0, 0, width, 0};
+    if (measured) DrawTextW(dc, text.c_str(), -1, &need, format);
+    const wchar_t* fit = !measured ? L"-" : need.right <= width && need.bottom <= height ? L"fits" : L"CUT";
+    Print(std::to_wstring(GetDlgCtrlID(child)) + L" " + cls + L" " + std::to_wstring(r.left) + L" " +
+          std::to_wstring(r.top) + L" " + std::to_wstring(r.right) + L" " + std::to_wstring(r.bottom) +
+          (inside ? L" inside " : L" OUTSIDE ") + fit + L" " + text);
+  }
+  DeleteObject(SelectObject(dc, old));
+  ReleaseDC(nullptr, dc);
+  return 0;
+}
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
@@ -292,5 +350,6 @@ int wmain(int argc, wchar_t** argv) {
     Print(all);
     return 0;
   }
+  if (command == L"layout") return Layout(hwnd);
   return 2;
 }
