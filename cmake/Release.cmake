@@ -28,7 +28,6 @@ set_source_files_properties(resources/version.rc PROPERTIES
 target_sources(narrixmenu PRIVATE resources/version.rc)
 target_sources(nxmenu PRIVATE resources/version.rc)
 target_compile_definitions(nxmenu PRIVATE NX_CLI)
-target_include_directories(nxmenu PRIVATE ${CMAKE_SOURCE_DIR}/resources)
 if(MSVC)
   # The manifest is the resource script's; the linker would add a second one.
   target_link_options(narrixmenu PRIVATE /MANIFEST:NO)
