@@ -4,7 +4,8 @@ headings, lists and tables, which a screen reader moves through by heading.
 
 The page keeps what a user of the program needs: the sections about building
 and testing it (DEVELOPER_SECTIONS) and the build commands at the top are left
-out, and so are the pictures and the links into the source tree.
+out, and so are the pictures (and paragraphs that link to them) and the links into
+the source tree.
 
 Usage: readme_html.py README.md README.html VERSION
 """
@@ -36,6 +37,7 @@ def user_part(text):
     head = "\n\n".join(p for p in head.split("\n\n") if not re.search(r"make |Debian", p))
     text = head + "\n" + sep + rest
     text = re.sub(r"^!\[[^\]]*\]\([^)]*\)\n", "", text, flags=re.M)  # pictures
+    text = "\n\n".join(p for p in text.split("\n\n") if not re.search(r"\]\([^)]*\.png\)", p))  # links to them
     text = re.sub(r"\[([^\]]+)\]\((?!https?:)[^)]*\)", r"\1", text)  # links into the tree
     return text
 
