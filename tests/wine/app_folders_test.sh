@@ -59,6 +59,11 @@ got=$(entries)
 # Add version, with the word processor running.
 press End; press "$add"
 wait_for 1 "$set_dir/winword_ver.11.0.6568" || fail "no version folder"
+# The folder is made before the files are copied into it.
+for _ in $(seq 1 50); do
+  cmp -s "$set_dir/winword/Command.mnu" "$set_dir/winword_ver.11.0.6568/Command.mnu" && break
+  sleep 0.2
+done
 cmp -s "$set_dir/winword/Command.mnu" "$set_dir/winword_ver.11.0.6568/Command.mnu" || fail "the menu was not copied"
 got=$(entries)
 [ "$got" = "entry: (Narrix) entry: excel entry: notepad entry: winword entry: winword_ver.11.0.6568 selected: 3 focus: 1003 " ] ||
