@@ -353,13 +353,22 @@ bool fWizard::hk_KeyDown(int key, int shift) {
   return true;
 }
 
+// The window's default handling starts menu mode when Alt (or F10) is
+// released with no key seen since it went down, and the captured keys never
+// reach it; menu mode would then eat the next keys meant as hot keys. So the
+// release of Alt or F10, and of any key while Alt is held, stops here.
+bool fWizard::hk_KeyUp(int key, int shift) { return item_ && (key == 18 || key == 121 || (shift & 4) != 0); }
+
 void fWizard::chkDiscard_Click(bool checked) {
   if (item_) item_->Discard = checked;
 }
 
 void fWizard::chkBraille_Click(bool checked) {
   if (!item_) return;
-  item_->HotKey = checked ? (item_->HotKey | kBrailleBit) : (item_->HotKey & ~kBrailleBit);
+  // A status button's code unchecked loses its status bit too: the rest is a
+  // key the field can name, and what is stored is what is heard.
+  const uint32_t code = static_cast<uint32_t>(item_->HotKey);
+  item_->HotKey = static_cast<int32_t>(checked ? code | kBrailleBit : code & ~kStatusButton);
   view_.EnableControl(WizardControl::Discard, !checked);
   ShowCode(item_->HotKey, true);
   ShowUsedBy();

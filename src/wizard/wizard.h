@@ -125,6 +125,8 @@ class fWizard {
   // A key pressed in the capture field; true when it was captured (and must
   // go no further).
   bool hk_KeyDown(int key, int shift);
+  // A key released in the capture field; true when it must go no further.
+  bool hk_KeyUp(int key, int shift);
   void chkDiscard_Click(bool checked);
   void chkBraille_Click(bool checked);
   void chkBrailleHook_Click(bool checked);

@@ -88,10 +88,20 @@ WizardWindow::WizardWindow(HINSTANCE instance, IProcesses& processes, cNarrixInf
     : ModalDialog(instance), logic_(*this, prompts_, processes, info, defs) {}
 
 // Keys in the capture field are taken before the dialog sees them: Alt
-// combinations, F10 and Enter are hot keys there, not commands.
+// combinations, F10 and Enter are hot keys there, not commands, and their
+// releases must not start menu mode.
 bool WizardWindow::PreTranslate(const MSG& msg) {
-  if (msg.hwnd != Item(IDC_HK) || (msg.message != WM_KEYDOWN && msg.message != WM_SYSKEYDOWN)) return false;
-  return logic_.hk_KeyDown(static_cast<int>(msg.wParam), KeyShiftMask());
+  if (msg.hwnd != Item(IDC_HK)) return false;
+  switch (msg.message) {
+    case WM_KEYDOWN:
+    case WM_SYSKEYDOWN:
+      return logic_.hk_KeyDown(static_cast<int>(msg.wParam), KeyShiftMask());
+    case WM_KEYUP:
+    case WM_SYSKEYUP:
+      return logic_.hk_KeyUp(static_cast<int>(msg.wParam), KeyShiftMask());
+    default:
+      return false;
+  }
 }
 
 INT_PTR WizardWindow::OnMessage(UINT message, WPARAM wParam, LPARAM) {
@@ -111,6 +121,10 @@ INT_PTR WizardWindow::OnMessage(UINT message, WPARAM wParam, LPARAM) {
       focusPending_ = false;
       ShowPane(pane_);
       return TRUE;
+    case WM_SYSCOMMAND:
+      // Menu mode, however it is asked for, never starts from the capture
+      // field: it would take the keys meant as hot keys.
+      return (wParam & 0xFFF0) == SC_KEYMENU && GetFocus() == Item(IDC_HK);
     case WM_DESTROY:
       SetWindowLongPtrW(hwnd_, DWLP_USER, 0);
       hwnd_ = nullptr;

@@ -256,6 +256,7 @@ TEST_F(WizardTest, BrowseOpenAndTips) {
   wizard_.cmdTips_Click();
   EXPECT_EQ(view_.scriptPath, L"notepad.exe $(velkordir)\\set\\app\\tips.txt");
   EXPECT_EQ(dir_.Read(L"set\\app\\tips.txt"), "");
+
   dir_.Write(L"set\\app\\tips.txt", "my tips");
   wizard_.cmdTips_Click();
   EXPECT_EQ(dir_.Read(L"set\\app\\tips.txt"), "my tips");
@@ -267,14 +268,18 @@ TEST_F(WizardTest, HotKeyCapture) {
   ToHotKeyPage();
   EXPECT_TRUE(view_.checked[WizardControl::Braille]);
   EXPECT_FALSE(view_.enabled[WizardControl::Discard]);
+  // Key releases (`up`) change nothing; `captured` then means kept from the
+  // window, whose default handling would start menu mode on an Alt release.
   const struct {
     int key, shift;
     std::set<int> held;
     bool captured;
     uint32_t code;
     const wchar_t* text;
+    bool up = false;
   } presses[] = {
       {16, 1, {}, false, 0x40000005, L"[H1+H4]"},  // modifiers alone change nothing
+      {16, 0, {}, false, 0x40000005, L"", true},
       {45, 0, {45}, false, 0x40000005, L"[H1+H4]"},
       {9, 0, {}, false, 0x40000005, L"[H1+H4]"},  // Tab leaves the field
       {67, 2, {}, true, 0x00020043, L"C+C"},
@@ -282,15 +287,22 @@ TEST_F(WizardTest, HotKeyCapture) {
       {116, 5, {145}, true, 0x20050074, L"Narrix+A+S+F5"},
       {13, 0, {}, true, 0x0000000D, L"Enter"},  // not Finish
       {27, 0, {}, true, 0x0000001B, L"Esc"},    // not Cancel
+      {18, 4, {}, false, 0x0000001B, L""},      // Alt+J, Alt released first
       {74, 4, {}, true, 0x0004004A, L"A+J"},    // not an access key
-      {121, 0, {}, true, 0x00000079, L"F10"},   // not the menu key
+      {18, 0, {}, true, 0x0004004A, L"", true},
+      {74, 0, {}, false, 0x0004004A, L"", true},
+      {115, 4, {}, true, 0x00040073, L"A+key(115)"},  // not Close
+      {115, 4, {}, true, 0x00040073, L"", true},
+      {18, 0, {}, true, 0x00040073, L"", true},
+      {121, 0, {}, true, 0x00000079, L"F10"},  // not the menu key
+      {121, 0, {}, true, 0x00000079, L"", true},
       {122, 4, {}, true, 0x0004007A, L"A+key(122)"},
   };
   for (const auto& p : presses) {
     view_.keysDown = p.held;
-    EXPECT_EQ(wizard_.hk_KeyDown(p.key, p.shift), p.captured) << p.key;
+    EXPECT_EQ(p.up ? wizard_.hk_KeyUp(p.key, p.shift) : wizard_.hk_KeyDown(p.key, p.shift), p.captured) << p.key;
     EXPECT_EQ(static_cast<uint32_t>(item_->HotKey), p.code) << p.key;
-    if (p.captured) {
+    if (p.captured && !p.up) {
       EXPECT_EQ(view_.hotKeyText, p.text);
       EXPECT_FALSE(view_.keepFocus);
       EXPECT_FALSE(view_.checked[WizardControl::Braille]);
@@ -298,10 +310,27 @@ TEST_F(WizardTest, HotKeyCapture) {
     }
   }
   EXPECT_FALSE(view_.closed);
-  wizard_.chkBraille_Click(true);
-  EXPECT_EQ(static_cast<uint32_t>(item_->HotKey), 0x4004007Au);
-  wizard_.chkBraille_Click(false);
-  EXPECT_EQ(static_cast<uint32_t>(item_->HotKey), 0x0004007Au);
+
+  // Braille switches a code between key and button; a status button's code
+  // unchecked is a key the field can name, not a code it shows as nothing.
+  const struct {
+    uint32_t code;
+    bool braille;
+    uint32_t result;
+    const wchar_t* text;
+  } switches[] = {
+      {0x00000005, true, 0x40000005, L"[H1+H4]"},
+      {0x4004007A, false, 0x0004007A, L"A+key(122)"},
+      {0xC0020003, false, 0x00020003, L"C+key(3)"},
+      {0xC0040003, false, 0x00040003, L"A+key(3)"},
+  };
+  for (const auto& c : switches) {
+    item_->HotKey = static_cast<int32_t>(c.code);
+    wizard_.chkBraille_Click(c.braille);
+    EXPECT_EQ(static_cast<uint32_t>(item_->HotKey), c.result) << c.code;
+    EXPECT_EQ(view_.hotKeyText, c.text) << c.code;
+    EXPECT_EQ(view_.enabled[WizardControl::Discard], !c.braille);
+  }
   wizard_.cmdHotKeyDel_Click();
   wizard_.cmdNext_Click();
   EXPECT_EQ(item_->HotKey, 0);
