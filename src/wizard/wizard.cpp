@@ -282,6 +282,7 @@ void fWizard::cmdScriptBrowse_Click() {
   if (lower.size() >= 4 && lower.compare(lower.size() - 4, 4, L".vbs") == 0) path = L"wscript.exe \"" + path + L"\"";
   view_.SetScriptPath(path);
   txtScriptPath_Change(path);
+  view_.SelectText(WizardField::ScriptPath, 0, path.size());  // the new path is read
 }
 
 void fWizard::cmdScriptEdit_Click() {
@@ -299,10 +300,12 @@ void fWizard::cmdScriptForm_Click() {
 
 void fWizard::cmdTips_Click() {
   const std::wstring path = L"$(velkordir)\\set\\" + gAppName + L"\\tips.txt";
-  view_.SetScriptPath(L"notepad.exe " + path);
+  const std::wstring command = L"notepad.exe " + path;
   const std::wstring file = Expand(path);
   if (!FileExists(file)) WriteFileBytes(file, "");
-  view_.EnableControl(WizardControl::Open, true);
+  view_.SetScriptPath(command);
+  txtScriptPath_Change(command);  // Open, and no Form for a text file
+  view_.SelectText(WizardField::ScriptPath, 0, command.size());
 }
 
 void fWizard::FillHotKey() {

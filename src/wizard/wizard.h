@@ -18,6 +18,8 @@ namespace nx {
 
 enum class WizardPane { Name, Type, Command, Script, HotKey };
 enum class WizardKind { Command, Script, PullDown };
+// The text fields whose text is stored in the menu file.
+enum class WizardField { Name, Command, ScriptPath };
 enum class WizardControl {
   NameLabel,
   TypeFrame,
@@ -76,6 +78,9 @@ class IWizardView {
 
   virtual void SetScriptPath(const std::wstring& text) = 0;
   virtual std::wstring ScriptPath() const = 0;
+  // Puts the focus into a text field with `length` characters from `start`
+  // selected, so that a screen reader reads them.
+  virtual void SelectText(WizardField field, size_t start, size_t length) = 0;
 
   // The capture field's text; unless `keepFocus`, the focus goes back into
   // it so that the next key is captured too.

@@ -30,6 +30,11 @@ class FakeWizardView : public IWizardView {
   int selected = -1, topLine = -1, hides = 0;
   bool list = true, closed = false, keepFocus = true, hkFocus = false;
   std::set<int> keysDown;
+  struct {
+    WizardField field;
+    size_t start, length;
+  } selection{};
+  int selections = 0;
 
   void SetTitle(const std::wstring& t) override { title = t; }
   void SetText(WizardControl c, const std::wstring& t) override { texts[c] = t; }
@@ -61,6 +66,10 @@ class FakeWizardView : public IWizardView {
   std::wstring CommandText() const override { return commandText; }
   void SetScriptPath(const std::wstring& t) override { scriptPath = t; }
   std::wstring ScriptPath() const override { return scriptPath; }
+  void SelectText(WizardField f, size_t start, size_t length) override {
+    selection = {f, start, length};
+    ++selections;
+  }
   void SetHotKeyText(const std::wstring& t, bool keep) override {
     hotKeyText = t;
     keepFocus = keep;
@@ -235,6 +244,10 @@ TEST_F(WizardTest, BrowseOpenAndTips) {
   EXPECT_EQ(prompts_.filter,
             L"Script Files (*.vbs)|*.vbs|Applications (*.exe, *.com, *.bat)|*.exe;*.bat;*.com|All|*.*");
   EXPECT_EQ(view_.scriptPath, L"wscript.exe \"$(appsetdir)\\Mail.VBS\"");
+  // The focus goes into the field, so that the new path is read.
+  EXPECT_EQ(view_.selections, 1);
+  EXPECT_EQ(view_.selection.field, WizardField::ScriptPath);
+  EXPECT_EQ(view_.selection.length, view_.scriptPath.size());
   wizard_.cmdScriptEdit_Click();
   prompts_.chosen = L"C:\\Narrix\\tools\\calc.exe";
   wizard_.cmdScriptBrowse_Click();
@@ -247,16 +260,22 @@ TEST_F(WizardTest, BrowseOpenAndTips) {
   wizard_.cmdScriptBrowse_Click();
   EXPECT_EQ(prompts_.folder, L"C:\\Narrix\\Set");
   EXPECT_EQ(view_.scriptPath, L"$(velkordir)\\tools\\calc.exe");  // cancelled: unchanged
+  EXPECT_EQ(view_.selections, 2);
 
-  // Tips: the file is made once and never overwritten.
+  // Tips: the file is made once and never overwritten; the Form button of
+  // the script before goes, as with any new path.
   registry_.WriteString(kProductKey, L"Path", dir_.Path());
   info_.Inicialize(nullptr);
   gAppName = L"app";
   std::filesystem::create_directories(dir_.Fs() / "set" / "app");
+  view_.shown[WizardControl::Form] = true;
+  view_.enabled[WizardControl::Open] = false;
   wizard_.cmdTips_Click();
   EXPECT_EQ(view_.scriptPath, L"notepad.exe $(velkordir)\\set\\app\\tips.txt");
   EXPECT_EQ(dir_.Read(L"set\\app\\tips.txt"), "");
-
+  EXPECT_FALSE(view_.shown[WizardControl::Form]);
+  EXPECT_TRUE(view_.enabled[WizardControl::Open]);
+  EXPECT_EQ(view_.selections, 3);
   dir_.Write(L"set\\app\\tips.txt", "my tips");
   wizard_.cmdTips_Click();
   EXPECT_EQ(dir_.Read(L"set\\app\\tips.txt"), "my tips");

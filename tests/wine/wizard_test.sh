@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # The item wizard from the keyboard under Wine: the program is started with
 # a script path, so the wizard opens by itself for a new script item (name,
-# kind and path from the command line, Control+Shift+F5, Finish); then Ctrl+N
+# kind and path from the command line, Control+Shift+F5, Finish), and the
+# first control to get the focus after the wizard is shown, at the opening and
+# after each page move, is the page's own (nxprobe focuslog); then Ctrl+N
 # makes a pull-down and, under it, a screen-reader command with a hot key
 # captured while Insert is held (Alt+J, also with Alt released first, F10 and
 # Alt+F4 are hot keys there too, not commands, and leave no menu mode behind);
@@ -18,12 +20,13 @@ rm -rf "$WORK"; mkdir -p "$WORK"
 cp -r "$DEMO" "$WORK/install"
 if [ "$CASE" = czech ]; then
   export LC_ALL=cs_CZ.UTF-8 2>/dev/null
-  editor_title="Nabídka - notepad"; new_name="Nová položka - Název"; new_keys="Nová položka - Klávesová zkratka"
+  editor_title="Nabídka - notepad"; new_item="Nová položka"; new_name="Nová položka - Název"
+  new_keys="Nová položka - Klávesová zkratka"
   edit_name="Úprava položky - Název"; yes=a; subitem="text: Uložit jako podpoložku?"
   fresh="1302 Edit Nová položka"; finish=alt+d
   new_type="Nová položka - Typ"; new_script="Nová položka - Příkaz"; new_command="Nová položka - Příkaz Narrixu"
 else
-  editor_title="Menu - notepad"; new_name="New item - Name"; new_keys="New item - Hot Key"
+  editor_title="Menu - notepad"; new_item="New item"; new_name="New item - Name"; new_keys="New item - Hot Key"
   edit_name="Edit item - Name"; yes=y; subitem="text: Save as subitem?"
   fresh="1302 Edit New item"; finish=alt+f
   new_type="New item - Type"; new_script="New item - Command"; new_command="New item - Narrix command"
@@ -43,6 +46,10 @@ type_text() { sleep 0.7; xdotool type --delay 60 "$1"; }
 nx_session_start "$WORK" || exit 1
 nx_set_install "$WORK/install"
 nx_wine_frames N
+# Every focus change and window show, in order, until the hot-key page.
+timeout 120 wine "$BIN/nxprobe.exe" focuslog - 110000 >"$WORK/focus.log" 2>"$WORK/focuslog.err" &
+focuslog=$!
+for _ in $(seq 1 100); do grep -q logging "$WORK/focus.log" 2>/dev/null && break; sleep 0.2; done
 wine "$BIN/narrixmenu.exe" 'notepad*$(appsetdir)\hello.vbs' >"$WORK/program.log" 2>&1 &
 pid=$!
 
@@ -52,6 +59,13 @@ type_text Hello
 press Return; page "$new_type"
 press Return; page "$new_script"
 press Return; page "$new_keys"
+sleep 0.5; kill "$focuslog"
+# After each show of the wizard the focus goes first to the page's control
+# (name, the chosen kind, script path, hot key), never through the old page's.
+first=$(awk -v shown="show 0 #32770 $new_item - " 'index($0, shown) == 1 { want = 1; next }
+  want && /^focus / { printf "%s %s ", $2, $3; want = 0 }' "$WORK/focus.log")
+[ "$first" = "shown 1302 shown 1305 shown 1312 shown 1318 " ] ||
+  { fail "first focus after each show: $first"; sed 's/^/    /' "$WORK/focus.log"; }
 press ctrl+shift+F5
 expect_line "Control+Shift+F5 captured" visible "$new_keys" "1318 Edit C+S+F5"
 expect_line "the item that already has it is named" visible "$new_keys" "1320 Edit Insert date and time"
