@@ -10,6 +10,7 @@
 #include "braille/braille_display.h"
 #include "defs/def_actions.h"
 #include "menu/menu_item.h"
+#include "platform/code_page.h"
 #include "platform/prompts.h"
 #include "startup/narrix_info.h"
 #include "wizard/narrix_actions.h"
@@ -97,8 +98,10 @@ class IWizardView {
 
 class fWizard {
  public:
-  // All references must outlive the wizard.
-  fWizard(IWizardView& view, IPrompts& prompts, IProcesses& processes, cNarrixInfo& info, cDefServer& defs);
+  // All references must outlive the wizard; `codePage` is the one the menu
+  // file is written in.
+  fWizard(IWizardView& view, IPrompts& prompts, IProcesses& processes, cNarrixInfo& info, cDefServer& defs,
+          const ICodePage& codePage);
 
   void Form_Load();
   // Stores the item and shows the current page.
@@ -163,6 +166,10 @@ class fWizard {
   void ShowCode(int32_t code, bool keepFocus);
   void CaptureButton(int32_t code);
   void ShowUsedBy();
+  // False, after saying why and selecting the character in the field, when
+  // `text` holds a character the menu file's code page cannot hold.
+  bool Storable(WizardField field, const std::wstring& text);
+  bool CommandStorable();
   void WriteCommand();
   std::wstring Expand(const std::wstring& text) const;
   // The script (or program) path of the script field, unwrapped and expanded.
@@ -174,6 +181,7 @@ class fWizard {
   IProcesses& processes_;
   cNarrixInfo& info_;
   cDefServer& defs_;
+  const ICodePage& codePage_;
   cNarrixActions actions_;
   cMenuItem* item_ = nullptr;
   const cMenuItem* root_ = nullptr;

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "platform/code_page.h"
 #include "platform/win32_dialog.h"
 #include "resource.h"
 #include "startup/file_helpers.h"
@@ -85,7 +86,7 @@ const std::vector<int>& PaneControls(WizardPane pane) {
 }  // namespace
 
 WizardWindow::WizardWindow(HINSTANCE instance, IProcesses& processes, cNarrixInfo& info, cDefServer& defs)
-    : ModalDialog(instance), logic_(*this, prompts_, processes, info, defs) {}
+    : ModalDialog(instance), logic_(*this, prompts_, processes, info, defs, SystemCodePage()) {}
 
 // Keys in the capture field are taken before the dialog sees them: Alt
 // combinations, F10 and Enter are hot keys there, not commands, and their

@@ -209,7 +209,7 @@ TEST(StringTable, EveryIdInBothLanguages) {
                           {640, 648},  // ours: preview, damaged file, failed save, moving, the wizard's extras
                           {650, 660},  // ours: the folder buttons and their messages
                           {700, 715},
-                          {717, 725},
+                          {717, 726},  // 726: ours, a character the code page lacks
                           {1050, 1050},
                           {2050, 2053},
                           {5025, 5029}})

@@ -96,7 +96,11 @@ class OpenFilePrompts : public IPrompts {
  public:
   std::optional<std::wstring> chosen;
   std::wstring filter, folder;
-  int Message(const std::wstring&, unsigned, const std::wstring&) override { return mb::kIdOk; }
+  std::vector<std::wstring> messages;
+  int Message(const std::wstring& text, unsigned, const std::wstring&) override {
+    messages.push_back(text);
+    return mb::kIdOk;
+  }
   std::optional<std::wstring> OpenFile(const std::wstring& f, const std::wstring& d) override {
     filter = f;
     folder = d;
@@ -154,7 +158,7 @@ class WizardTest : public ::testing::Test {
   FakeWizardView view_;
   OpenFilePrompts prompts_;
   FakeProcesses processes_;
-  fWizard wizard_{view_, prompts_, processes_, info_, defs_};
+  fWizard wizard_{view_, prompts_, processes_, info_, defs_, page_};
   MenuItemPtr item_ = cMenuItem::New();
 };
 
@@ -229,7 +233,7 @@ TEST_F(WizardTest, ScriptItemsAndTheCommandLinePath) {
   EXPECT_EQ(gCmdScriptPath, L"");  // offered to one wizard only
 
   item_->Action = L"SHELL(notepad.exe x.txt)";
-  fWizard again(view_, prompts_, processes_, info_, defs_);
+  fWizard again(view_, prompts_, processes_, info_, defs_, page_);
   again.SetMenuItem(item_.get());
   again.cmdNext_Click();
   EXPECT_EQ(view_.kind, WizardKind::Script);
@@ -493,7 +497,7 @@ TEST_F(WizardTest, BackFromTheCommandPageStoresNothing) {
       {L"SayLine", WizardKind::Command}, {L"shell(a.vbs)", WizardKind::Script}, {L"Mine", WizardKind::Command}};
   for (const auto& c : cases) {
     item_->Action = c.action;
-    fWizard wizard(view_, prompts_, processes_, info_, defs_);
+    fWizard wizard(view_, prompts_, processes_, info_, defs_, page_);
     wizard.LoadDefs(dir_.Path(L"gKeyCode.def"), dir_.Path(L"gActions.def"));
     wizard.SetMenuItem(item_.get());
     wizard.cmdNext_Click();
@@ -505,6 +509,64 @@ TEST_F(WizardTest, BackFromTheCommandPageStoresNothing) {
     wizard.cmdPrev_Click();
     EXPECT_EQ(wizard.Page(), 1);
     EXPECT_EQ(item_->Action, c.action);
+  }
+}
+
+// The menu file holds the system's single-byte code page: a caption, script
+// path or typed command with a character it lacks is refused on Next, with
+// the character named and selected in its field, and nothing is stored.
+TEST_F(WizardTest, TextTheCodePageCannotHoldIsRefused) {
+  constexpr size_t kAccepted = std::wstring::npos;
+  const struct {
+    unsigned codePage;
+    WizardField field;
+    const wchar_t* text;
+    size_t at;
+    const wchar_t* named;
+  } cases[] = {
+      {1252, WizardField::Name, L"Čtení", 0, L"\"Č\" (U+010C)"},
+      {1250, WizardField::Name, L"Čtení", kAccepted, nullptr},
+      {1250, WizardField::Name, L"Año €", 1, L"\"ñ\" (U+00F1)"},
+      {1252, WizardField::Name, L"Año €", kAccepted, nullptr},
+      {1252, WizardField::ScriptPath, L"wscript.exe \"$(appsetdir)\\čti.vbs\"", 26, L"\"č\" (U+010D)"},
+      {1250, WizardField::ScriptPath, L"wscript.exe \"$(appsetdir)\\čti.vbs\"", kAccepted, nullptr},
+      {1252, WizardField::Command, L" Přečti", 2, L"\"ř\" (U+0159)"},
+      {1250, WizardField::Command, L"Say \U0001F600", 4, L"\"\U0001F600\" (U+1F600)"},
+  };
+  for (const auto& c : cases) {
+    BuiltinCodePage codePage(c.codePage);
+    fWizard wizard(view_, prompts_, processes_, info_, defs_, codePage);
+    item_->Caption = c.field == WizardField::Name ? c.text : L"Item";
+    const std::wstring action = c.field == WizardField::Name         ? L""
+                                : c.field == WizardField::ScriptPath ? L"shell(a.vbs)"
+                                                                     : L"Mine";
+    item_->Action = action;
+    wizard.SetMenuItem(item_.get());
+    if (c.field != WizardField::Name) {
+      wizard.cmdNext_Click();
+      wizard.cmdNext_Click();
+      ASSERT_TRUE(c.field == WizardField::ScriptPath || !view_.list);  // a typed command
+      view_.scriptPath = view_.commandText = c.text;
+    }
+    const int page = wizard.Page();
+    prompts_.messages.clear();
+    view_.selections = 0;
+    wizard.cmdNext_Click();
+    if (c.at == kAccepted) {
+      EXPECT_EQ(wizard.Page(), page + 1) << c.text;
+      EXPECT_TRUE(prompts_.messages.empty()) << c.text;
+      continue;
+    }
+    EXPECT_EQ(wizard.Page(), page) << c.text;
+    EXPECT_EQ(item_->Action, action) << c.text;
+    ASSERT_EQ(prompts_.messages.size(), 1u) << c.text;
+    EXPECT_EQ(prompts_.messages[0], L"The character " + std::wstring(c.named) +
+                                        L" cannot be stored in the menu file: the system's code page has no such "
+                                        L"character. Remove it or write it another way.");
+    EXPECT_EQ(view_.selections, 1);
+    EXPECT_EQ(view_.selection.field, c.field) << c.text;
+    EXPECT_EQ(view_.selection.start, c.at) << c.text;
+    EXPECT_EQ(view_.selection.length, 1u) << c.text;
   }
 }
 

@@ -1,15 +1,16 @@
 #!/usr/bin/env bash
 # The item wizard from the keyboard under Wine: the program is started with
 # a script path, so the wizard opens by itself for a new script item (name,
-# kind and path from the command line, Control+Shift+F5, Finish), and the
-# first control to get the focus after the wizard is shown, at the opening and
-# after each page move, is the page's own (nxprobe focuslog); then Ctrl+N
-# makes a pull-down and, under it, a screen-reader command with a hot key
-# captured while Insert is held (Alt+J, also with Alt released first, F10 and
-# Alt+F4 are hot keys there too, not commands, and leave no menu mode behind);
-# an edit is cancelled; OK saves. The saved menu is compared as JSON (nxmenu
-# to-json) with wizard_expected.json. Wine draws the window frames, so that
-# the window has its system menu, as on Windows.
+# refused first for a character no code page of the test has, kind and path
+# from the command line, Control+Shift+F5, Finish), and the first control to
+# get the focus after the wizard is shown, at the opening and after each page
+# move, is the page's own (nxprobe focuslog); then Ctrl+N makes a pull-down
+# and, under it, a screen-reader command with a hot key captured while Insert
+# is held (Alt+J, also with Alt released first, F10 and Alt+F4 are hot keys
+# there too, not commands, and leave no menu mode behind); an edit is
+# cancelled; OK saves. The saved menu is compared as JSON (nxmenu to-json)
+# with wizard_expected.json. Wine draws the window frames, so that the window
+# has its system menu, as on Windows.
 # Usage: wizard_test.sh BIN_DIR NATIVE_NXMENU DEMO_DIR WORK_DIR english|czech
 set -u
 BIN=$(cd "$1" && pwd); NXMENU=$2; DEMO=$(cd "$3" && pwd); WORK=$4; CASE=$5
@@ -25,11 +26,13 @@ if [ "$CASE" = czech ]; then
   edit_name="Úprava položky - Název"; yes=a; subitem="text: Uložit jako podpoložku?"
   fresh="1302 Edit Nová položka"; finish=alt+d
   new_type="Nová položka - Typ"; new_script="Nová položka - Příkaz"; new_command="Nová položka - Příkaz Narrixu"
+  unstorable='Znak "Ω" (U+03A9) nelze uložit do souboru nabídky: znaková stránka systému takový znak nemá. Odstraňte ho nebo ho napište jinak.'
 else
   editor_title="Menu - notepad"; new_item="New item"; new_name="New item - Name"; new_keys="New item - Hot Key"
   edit_name="Edit item - Name"; yes=y; subitem="text: Save as subitem?"
   fresh="1302 Edit New item"; finish=alt+f
   new_type="New item - Type"; new_script="New item - Command"; new_command="New item - Narrix command"
+  unstorable='The character "Ω" (U+03A9) cannot be stored in the menu file: the system'"'"'s code page has no such character. Remove it or write it another way.'
 fi
 failures=0
 fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
@@ -41,7 +44,8 @@ expect_line() {  # what, probe command, title, line
 press() { sleep 0.7; xdotool key "$@"; }
 # Waits for the page titled $1 before the next key goes to it.
 page() { probe visible "$1" | grep -q . || fail "no page '$1'"; }
-type_text() { sleep 0.7; xdotool type --delay 60 "$1"; }
+# xdotool reads the text in a UTF-8 locale whatever the language of the test.
+type_text() { sleep 0.7; LC_ALL=C.UTF-8 xdotool type --delay 60 "$1"; }
 
 nx_session_start "$WORK" || exit 1
 nx_set_install "$WORK/install"
@@ -55,7 +59,10 @@ pid=$!
 
 # 1. The pending new item: a script from the command line.
 expect_line "the wizard opens for the script of the command line" visible "$new_name" "$fresh"
-type_text Hello
+type_text HelloΩ
+press Return  # neither code page 1252 nor 1250 has the Omega
+expect_line "a character the code page lacks is refused" message "Narrix - Screen Reader" "text: $unstorable"
+press Return; press BackSpace  # it is selected in the field again
 press Return; page "$new_type"
 press Return; page "$new_script"
 press Return; page "$new_keys"
