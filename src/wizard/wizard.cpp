@@ -15,6 +15,7 @@ constexpr int kNarrixCommand = 709, kNameLabel = 710, kTypeFrame = 711, kOptComm
 constexpr int kOptPullDown = 714, kCommandLabel = 715, kScriptLabel = 717, kOpen = 718, kBrowse = 719;
 constexpr int kDiscard = 722, kHotKeyLabel = 723, kDelete = 725, kCancel = 101, kGeneralMenu = 504;
 constexpr int kUsedBy = 645, kForm = 646, kBraille = 647, kBrailleHook = 648;
+constexpr int kUnstorable = 726, kProductTitle = 2053;
 constexpr int32_t kBrailleBit = 0x40000000;
 // Status buttons: bit 31 as well, and the family in the high word.
 constexpr uint32_t kStatusButton = 0xC0000000u, kCursorStatus = 2, kAuxStatus = 4;
@@ -23,10 +24,30 @@ int32_t StatusCode(int32_t button, uint32_t family) {
   return static_cast<int32_t>(kStatusButton | (family << 16) | (static_cast<uint32_t>(button) & 0xFFFFu));
 }
 
+// The character at `at` as a screen reader can name it: itself, quoted, and
+// its code point. `length` is 2 for a surrogate pair.
+std::wstring NameOfCharacter(const std::wstring& text, size_t at, size_t& length) {
+  uint32_t c = static_cast<uint32_t>(text[at]);
+  length = 1;
+  if (c >= 0xD800 && c < 0xDC00 && at + 1 < text.size()) {
+    const uint32_t low = static_cast<uint32_t>(text[at + 1]);
+    if (low >= 0xDC00 && low < 0xE000) {
+      c = 0x10000 + ((c - 0xD800) << 10) + (low - 0xDC00);
+      length = 2;
+    }
+  }
+  int shift = 12;  // at least four digits
+  while (shift < 28 && (c >> (shift + 4)) != 0) shift += 4;
+  std::wstring hex;
+  for (; shift >= 0; shift -= 4) hex += L"0123456789ABCDEF"[(c >> shift) & 0xF];
+  return L"\"" + text.substr(at, length) + L"\" (U+" + hex + L")";
+}
+
 }  // namespace
 
-fWizard::fWizard(IWizardView& view, IPrompts& prompts, IProcesses& processes, cNarrixInfo& info, cDefServer& defs)
-    : view_(view), prompts_(prompts), processes_(processes), info_(info), defs_(defs) {}
+fWizard::fWizard(IWizardView& view, IPrompts& prompts, IProcesses& processes, cNarrixInfo& info, cDefServer& defs,
+                 const ICodePage& codePage)
+    : view_(view), prompts_(prompts), processes_(processes), info_(info), defs_(defs), codePage_(codePage) {}
 
 void fWizard::Form_Load() {
   const struct {
@@ -180,7 +201,13 @@ void fWizard::cmdNext_Click() {
     view_.Close();
     return;
   }
-  if (page_ == 2) WriteCommand();
+  // The menu file holds the code page's characters only: a text it cannot
+  // hold is refused here rather than stored with "?" in its place.
+  if (page_ == 0 && !Storable(WizardField::Name, item_->Caption)) return;
+  if (page_ == 2) {
+    if (!CommandStorable()) return;
+    WriteCommand();
+  }
   Move(1);
 }
 
@@ -236,6 +263,22 @@ void fWizard::txtScriptPath_Change(const std::wstring& text) {
   view_.ShowControl(WizardControl::Form, !FormFile().empty() && FileExists(FormFile()));
 }
 
+bool fWizard::Storable(WizardField field, const std::wstring& text) {
+  const std::optional<size_t> at = codePage_.FirstUnencodable(text);
+  if (!at) return true;
+  size_t length = 1;
+  const std::wstring name = NameOfCharacter(text, *at, length);
+  prompts_.Message(LoadResText(kUnstorable, name), mb::kOkOnly | mb::kIconExclamation, LoadResText(kProductTitle));
+  view_.SelectText(field, *at, length);
+  return false;
+}
+
+// The list holds the table's commands, which came from the code page.
+bool fWizard::CommandStorable() {
+  if (view_.Kind() == WizardKind::Script) return Storable(WizardField::ScriptPath, view_.ScriptPath());
+  return view_.CommandListShown() || Storable(WizardField::Command, view_.CommandText());
+}
+
 void fWizard::WriteCommand() {
   if (view_.Kind() == WizardKind::Script) {
     item_->Action = L"shell(" + view_.ScriptPath() + L")";
@@ -282,6 +325,7 @@ void fWizard::cmdScriptBrowse_Click() {
   if (lower.size() >= 4 && lower.compare(lower.size() - 4, 4, L".vbs") == 0) path = L"wscript.exe \"" + path + L"\"";
   view_.SetScriptPath(path);
   txtScriptPath_Change(path);
+  view_.SelectText(WizardField::ScriptPath, 0, path.size());  // the new path is read
 }
 
 void fWizard::cmdScriptEdit_Click() {
@@ -299,10 +343,12 @@ void fWizard::cmdScriptForm_Click() {
 
 void fWizard::cmdTips_Click() {
   const std::wstring path = L"$(velkordir)\\set\\" + gAppName + L"\\tips.txt";
-  view_.SetScriptPath(L"notepad.exe " + path);
+  const std::wstring command = L"notepad.exe " + path;
   const std::wstring file = Expand(path);
   if (!FileExists(file)) WriteFileBytes(file, "");
-  view_.EnableControl(WizardControl::Open, true);
+  view_.SetScriptPath(command);
+  txtScriptPath_Change(command);  // Open, and no Form for a text file
+  view_.SelectText(WizardField::ScriptPath, 0, command.size());
 }
 
 void fWizard::FillHotKey() {
@@ -353,13 +399,22 @@ bool fWizard::hk_KeyDown(int key, int shift) {
   return true;
 }
 
+// The window's default handling starts menu mode when Alt (or F10) is
+// released with no key seen since it went down, and the captured keys never
+// reach it; menu mode would then eat the next keys meant as hot keys. So the
+// release of Alt or F10, and of any key while Alt is held, stops here.
+bool fWizard::hk_KeyUp(int key, int shift) { return item_ && (key == 18 || key == 121 || (shift & 4) != 0); }
+
 void fWizard::chkDiscard_Click(bool checked) {
   if (item_) item_->Discard = checked;
 }
 
 void fWizard::chkBraille_Click(bool checked) {
   if (!item_) return;
-  item_->HotKey = checked ? (item_->HotKey | kBrailleBit) : (item_->HotKey & ~kBrailleBit);
+  // A status button's code unchecked loses its status bit too: the rest is a
+  // key the field can name, and what is stored is what is heard.
+  const uint32_t code = static_cast<uint32_t>(item_->HotKey);
+  item_->HotKey = static_cast<int32_t>(checked ? code | kBrailleBit : code & ~kStatusButton);
   view_.EnableControl(WizardControl::Discard, !checked);
   ShowCode(item_->HotKey, true);
   ShowUsedBy();

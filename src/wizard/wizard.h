@@ -10,6 +10,7 @@
 #include "braille/braille_display.h"
 #include "defs/def_actions.h"
 #include "menu/menu_item.h"
+#include "platform/code_page.h"
 #include "platform/prompts.h"
 #include "startup/narrix_info.h"
 #include "wizard/narrix_actions.h"
@@ -18,6 +19,8 @@ namespace nx {
 
 enum class WizardPane { Name, Type, Command, Script, HotKey };
 enum class WizardKind { Command, Script, PullDown };
+// The text fields whose text is stored in the menu file.
+enum class WizardField { Name, Command, ScriptPath };
 enum class WizardControl {
   NameLabel,
   TypeFrame,
@@ -76,6 +79,9 @@ class IWizardView {
 
   virtual void SetScriptPath(const std::wstring& text) = 0;
   virtual std::wstring ScriptPath() const = 0;
+  // Puts the focus into a text field with `length` characters from `start`
+  // selected, so that a screen reader reads them.
+  virtual void SelectText(WizardField field, size_t start, size_t length) = 0;
 
   // The capture field's text; unless `keepFocus`, the focus goes back into
   // it so that the next key is captured too.
@@ -92,8 +98,10 @@ class IWizardView {
 
 class fWizard {
  public:
-  // All references must outlive the wizard.
-  fWizard(IWizardView& view, IPrompts& prompts, IProcesses& processes, cNarrixInfo& info, cDefServer& defs);
+  // All references must outlive the wizard; `codePage` is the one the menu
+  // file is written in.
+  fWizard(IWizardView& view, IPrompts& prompts, IProcesses& processes, cNarrixInfo& info, cDefServer& defs,
+          const ICodePage& codePage);
 
   void Form_Load();
   // Stores the item and shows the current page.
@@ -125,6 +133,8 @@ class fWizard {
   // A key pressed in the capture field; true when it was captured (and must
   // go no further).
   bool hk_KeyDown(int key, int shift);
+  // A key released in the capture field; true when it must go no further.
+  bool hk_KeyUp(int key, int shift);
   void chkDiscard_Click(bool checked);
   void chkBraille_Click(bool checked);
   void chkBrailleHook_Click(bool checked);
@@ -156,6 +166,10 @@ class fWizard {
   void ShowCode(int32_t code, bool keepFocus);
   void CaptureButton(int32_t code);
   void ShowUsedBy();
+  // False, after saying why and selecting the character in the field, when
+  // `text` holds a character the menu file's code page cannot hold.
+  bool Storable(WizardField field, const std::wstring& text);
+  bool CommandStorable();
   void WriteCommand();
   std::wstring Expand(const std::wstring& text) const;
   // The script (or program) path of the script field, unwrapped and expanded.
@@ -167,6 +181,7 @@ class fWizard {
   IProcesses& processes_;
   cNarrixInfo& info_;
   cDefServer& defs_;
+  const ICodePage& codePage_;
   cNarrixActions actions_;
   cMenuItem* item_ = nullptr;
   const cMenuItem* root_ = nullptr;

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "platform/code_page.h"
 #include "platform/win32_dialog.h"
 #include "resource.h"
 #include "startup/file_helpers.h"
@@ -85,13 +86,23 @@ const std::vector<int>& PaneControls(WizardPane pane) {
 }  // namespace
 
 WizardWindow::WizardWindow(HINSTANCE instance, IProcesses& processes, cNarrixInfo& info, cDefServer& defs)
-    : ModalDialog(instance), logic_(*this, prompts_, processes, info, defs) {}
+    : ModalDialog(instance), logic_(*this, prompts_, processes, info, defs, SystemCodePage()) {}
 
 // Keys in the capture field are taken before the dialog sees them: Alt
-// combinations, F10 and Enter are hot keys there, not commands.
+// combinations, F10 and Enter are hot keys there, not commands, and their
+// releases must not start menu mode.
 bool WizardWindow::PreTranslate(const MSG& msg) {
-  if (msg.hwnd != Item(IDC_HK) || (msg.message != WM_KEYDOWN && msg.message != WM_SYSKEYDOWN)) return false;
-  return logic_.hk_KeyDown(static_cast<int>(msg.wParam), KeyShiftMask());
+  if (msg.hwnd != Item(IDC_HK)) return false;
+  switch (msg.message) {
+    case WM_KEYDOWN:
+    case WM_SYSKEYDOWN:
+      return logic_.hk_KeyDown(static_cast<int>(msg.wParam), KeyShiftMask());
+    case WM_KEYUP:
+    case WM_SYSKEYUP:
+      return logic_.hk_KeyUp(static_cast<int>(msg.wParam), KeyShiftMask());
+    default:
+      return false;
+  }
 }
 
 INT_PTR WizardWindow::OnMessage(UINT message, WPARAM wParam, LPARAM) {
@@ -107,10 +118,16 @@ INT_PTR WizardWindow::OnMessage(UINT message, WPARAM wParam, LPARAM) {
       logic_.cmdCANCEL_Click();
       return TRUE;
     case WM_ACTIVATE:
-      if (LOWORD(wParam) == WA_INACTIVE || !focusPending_) return FALSE;
+      // The dialog would give the focus back to the control it had when it
+      // was hidden, which belongs to the old page.
+      if (LOWORD(wParam) == WA_INACTIVE || !focusPending_ || !pageFocus_) return FALSE;
       focusPending_ = false;
-      ShowPane(pane_);
+      SendMessageW(hwnd_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(pageFocus_)), TRUE);
       return TRUE;
+    case WM_SYSCOMMAND:
+      // Menu mode, however it is asked for, never starts from the capture
+      // field: it would take the keys meant as hot keys.
+      return (wParam & 0xFFF0) == SC_KEYMENU && GetFocus() == Item(IDC_HK);
     case WM_DESTROY:
       SetWindowLongPtrW(hwnd_, DWLP_USER, 0);
       hwnd_ = nullptr;
@@ -184,7 +201,17 @@ std::wstring WizardWindow::TextOf(int id) const {
   return text;
 }
 
-void WizardWindow::Focus(int id) { SendMessageW(hwnd_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(id)), TRUE); }
+// A hidden window is not given the focus: that would activate it, and the
+// dialog would first give the focus back to the control it had.
+void WizardWindow::Focus(int id) {
+  if (IsWindowVisible(hwnd_)) SendMessageW(hwnd_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(id)), TRUE);
+}
+
+void WizardWindow::FocusPageIfPending() {
+  if (!focusPending_) return;
+  focusPending_ = false;
+  Focus(pageFocus_);
+}
 
 void WizardWindow::SetTitle(const std::wstring& text) { SetWindowTextW(hwnd_, text.c_str()); }
 
@@ -205,10 +232,13 @@ void WizardWindow::ShowControl(WizardControl control, bool shown) {
   if (control == WizardControl::Form) formShown_ = shown;
 }
 
+// Pages are laid out while the window is hidden; the focus goes to the
+// page's control when the window is shown (or now, if it is shown).
 void WizardWindow::ShowPane(WizardPane pane) {
   pane_ = pane;
   for (WizardPane p : {WizardPane::Name, WizardPane::Type, WizardPane::Command, WizardPane::Script, WizardPane::HotKey})
-    for (int id : PaneControls(p)) ShowWindow(Item(id), SW_HIDE);
+    if (p != pane)
+      for (int id : PaneControls(p)) ShowWindow(Item(id), SW_HIDE);
   for (int id : PaneControls(pane)) {
     bool shown = true;
     if (id == IDC_LST_COMMAND || id == IDC_LBL_COMMAND_LIST) shown = commandList_;
@@ -218,25 +248,24 @@ void WizardWindow::ShowPane(WizardPane pane) {
   }
   switch (pane) {
     case WizardPane::Name:
-      Focus(IDC_TXT_NAME_W);
+      pageFocus_ = IDC_TXT_NAME_W;
       break;
-    case WizardPane::Type: {
-      const int checked = IsDlgButtonChecked(hwnd_, IDC_OPT_COMMAND)  ? IDC_OPT_COMMAND
-                          : IsDlgButtonChecked(hwnd_, IDC_OPT_SCRIPT) ? IDC_OPT_SCRIPT
-                                                                      : IDC_OPT_PULLDOWN;
-      Focus(checked);
+    case WizardPane::Type:
+      pageFocus_ = IsDlgButtonChecked(hwnd_, IDC_OPT_COMMAND)  ? IDC_OPT_COMMAND
+                   : IsDlgButtonChecked(hwnd_, IDC_OPT_SCRIPT) ? IDC_OPT_SCRIPT
+                                                               : IDC_OPT_PULLDOWN;
       break;
-    }
     case WizardPane::Command:
-      Focus(commandList_ ? IDC_LST_COMMAND : IDC_TXT_COMMAND_W);
+      pageFocus_ = commandList_ ? IDC_LST_COMMAND : IDC_TXT_COMMAND_W;
       break;
     case WizardPane::Script:
-      Focus(IDC_TXT_SCRIPT);
+      pageFocus_ = IDC_TXT_SCRIPT;
       break;
     case WizardPane::HotKey:
-      Focus(IDC_HK);
+      pageFocus_ = IDC_HK;
       break;
   }
+  Focus(pageFocus_);
 }
 
 // The new page is laid out while the window is hidden: controls shown in a
@@ -244,12 +273,10 @@ void WizardWindow::ShowPane(WizardPane pane) {
 void WizardWindow::HideWindow() { ShowWindow(hwnd_, SW_HIDE); }
 
 void WizardWindow::ShowWindowAgain() {
-  // The dialog would give the focus back to the control it had when hidden,
-  // which belongs to the old page; the activation puts it into the new one.
   focusPending_ = true;
   ShowWindow(hwnd_, SW_SHOWNORMAL);
   SetForegroundWindow(hwnd_);
-  ShowPane(pane_);
+  FocusPageIfPending();
 }
 
 void WizardWindow::Close() { EndModal(); }
@@ -313,6 +340,14 @@ void WizardWindow::SetScriptPath(const std::wstring& text) {
   filling_ = false;
 }
 std::wstring WizardWindow::ScriptPath() const { return TextOf(IDC_TXT_SCRIPT); }
+
+void WizardWindow::SelectText(WizardField field, size_t start, size_t length) {
+  const int id = field == WizardField::Name      ? IDC_TXT_NAME_W
+                 : field == WizardField::Command ? IDC_TXT_COMMAND_W
+                                                 : IDC_TXT_SCRIPT;
+  Focus(id);
+  SendDlgItemMessageW(hwnd_, id, EM_SETSEL, start, static_cast<LPARAM>(start + length));
+}
 
 void WizardWindow::SetHotKeyText(const std::wstring& text, bool keepFocus) {
   SetDlgItemTextW(hwnd_, IDC_HK, text.c_str());

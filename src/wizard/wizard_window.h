@@ -42,6 +42,7 @@ class WizardWindow final : public ModalDialog, public IWizardView {
   std::wstring CommandText() const override;
   void SetScriptPath(const std::wstring& text) override;
   std::wstring ScriptPath() const override;
+  void SelectText(WizardField field, size_t start, size_t length) override;
   void SetHotKeyText(const std::wstring& text, bool keepFocus) override;
   void FocusHotKey() override;
   bool HotKeyHasFocus() const override;
@@ -56,14 +57,21 @@ class WizardWindow final : public ModalDialog, public IWizardView {
   INT_PTR OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
   void OnCommand(int id, int code);
   bool PreTranslate(const MSG& msg) override;
-  void OnShown() override { ShowPane(pane_); }
+  void OnShown() override { FocusPageIfPending(); }
   void OnEnded() override { logic_.Form_Unload(); }
   HWND Item(int id) const { return GetDlgItem(hwnd_, id); }
   std::wstring TextOf(int id) const;
+  // Moves the focus to control `id`; nothing while the window is hidden.
   void Focus(int id);
+  // The window has been shown: the focus goes to the page's control unless
+  // the activation has already put it there.
+  void FocusPageIfPending();
 
-  bool filling_ = false;       // texts set by the program, not typed
-  bool focusPending_ = false;  // the next activation puts the focus into the page
+  bool filling_ = false;  // texts set by the program, not typed
+  // The window is shown with a new page: its activation puts the focus on
+  // the page's control, not back on the control of the old page.
+  bool focusPending_ = true;
+  int pageFocus_ = 0;  // the control of the page that takes the focus
   WizardPane pane_ = WizardPane::Name;
   bool commandList_ = true;
   bool formShown_ = false;  // the script has a form file

@@ -30,6 +30,11 @@ class FakeWizardView : public IWizardView {
   int selected = -1, topLine = -1, hides = 0;
   bool list = true, closed = false, keepFocus = true, hkFocus = false;
   std::set<int> keysDown;
+  struct {
+    WizardField field;
+    size_t start, length;
+  } selection{};
+  int selections = 0;
 
   void SetTitle(const std::wstring& t) override { title = t; }
   void SetText(WizardControl c, const std::wstring& t) override { texts[c] = t; }
@@ -61,6 +66,10 @@ class FakeWizardView : public IWizardView {
   std::wstring CommandText() const override { return commandText; }
   void SetScriptPath(const std::wstring& t) override { scriptPath = t; }
   std::wstring ScriptPath() const override { return scriptPath; }
+  void SelectText(WizardField f, size_t start, size_t length) override {
+    selection = {f, start, length};
+    ++selections;
+  }
   void SetHotKeyText(const std::wstring& t, bool keep) override {
     hotKeyText = t;
     keepFocus = keep;
@@ -87,7 +96,11 @@ class OpenFilePrompts : public IPrompts {
  public:
   std::optional<std::wstring> chosen;
   std::wstring filter, folder;
-  int Message(const std::wstring&, unsigned, const std::wstring&) override { return mb::kIdOk; }
+  std::vector<std::wstring> messages;
+  int Message(const std::wstring& text, unsigned, const std::wstring&) override {
+    messages.push_back(text);
+    return mb::kIdOk;
+  }
   std::optional<std::wstring> OpenFile(const std::wstring& f, const std::wstring& d) override {
     filter = f;
     folder = d;
@@ -145,7 +158,7 @@ class WizardTest : public ::testing::Test {
   FakeWizardView view_;
   OpenFilePrompts prompts_;
   FakeProcesses processes_;
-  fWizard wizard_{view_, prompts_, processes_, info_, defs_};
+  fWizard wizard_{view_, prompts_, processes_, info_, defs_, page_};
   MenuItemPtr item_ = cMenuItem::New();
 };
 
@@ -220,7 +233,7 @@ TEST_F(WizardTest, ScriptItemsAndTheCommandLinePath) {
   EXPECT_EQ(gCmdScriptPath, L"");  // offered to one wizard only
 
   item_->Action = L"SHELL(notepad.exe x.txt)";
-  fWizard again(view_, prompts_, processes_, info_, defs_);
+  fWizard again(view_, prompts_, processes_, info_, defs_, page_);
   again.SetMenuItem(item_.get());
   again.cmdNext_Click();
   EXPECT_EQ(view_.kind, WizardKind::Script);
@@ -235,6 +248,10 @@ TEST_F(WizardTest, BrowseOpenAndTips) {
   EXPECT_EQ(prompts_.filter,
             L"Script Files (*.vbs)|*.vbs|Applications (*.exe, *.com, *.bat)|*.exe;*.bat;*.com|All|*.*");
   EXPECT_EQ(view_.scriptPath, L"wscript.exe \"$(appsetdir)\\Mail.VBS\"");
+  // The focus goes into the field, so that the new path is read.
+  EXPECT_EQ(view_.selections, 1);
+  EXPECT_EQ(view_.selection.field, WizardField::ScriptPath);
+  EXPECT_EQ(view_.selection.length, view_.scriptPath.size());
   wizard_.cmdScriptEdit_Click();
   prompts_.chosen = L"C:\\Narrix\\tools\\calc.exe";
   wizard_.cmdScriptBrowse_Click();
@@ -247,15 +264,22 @@ TEST_F(WizardTest, BrowseOpenAndTips) {
   wizard_.cmdScriptBrowse_Click();
   EXPECT_EQ(prompts_.folder, L"C:\\Narrix\\Set");
   EXPECT_EQ(view_.scriptPath, L"$(velkordir)\\tools\\calc.exe");  // cancelled: unchanged
+  EXPECT_EQ(view_.selections, 2);
 
-  // Tips: the file is made once and never overwritten.
+  // Tips: the file is made once and never overwritten; the Form button of
+  // the script before goes, as with any new path.
   registry_.WriteString(kProductKey, L"Path", dir_.Path());
   info_.Inicialize(nullptr);
   gAppName = L"app";
   std::filesystem::create_directories(dir_.Fs() / "set" / "app");
+  view_.shown[WizardControl::Form] = true;
+  view_.enabled[WizardControl::Open] = false;
   wizard_.cmdTips_Click();
   EXPECT_EQ(view_.scriptPath, L"notepad.exe $(velkordir)\\set\\app\\tips.txt");
   EXPECT_EQ(dir_.Read(L"set\\app\\tips.txt"), "");
+  EXPECT_FALSE(view_.shown[WizardControl::Form]);
+  EXPECT_TRUE(view_.enabled[WizardControl::Open]);
+  EXPECT_EQ(view_.selections, 3);
   dir_.Write(L"set\\app\\tips.txt", "my tips");
   wizard_.cmdTips_Click();
   EXPECT_EQ(dir_.Read(L"set\\app\\tips.txt"), "my tips");
@@ -267,14 +291,18 @@ TEST_F(WizardTest, HotKeyCapture) {
   ToHotKeyPage();
   EXPECT_TRUE(view_.checked[WizardControl::Braille]);
   EXPECT_FALSE(view_.enabled[WizardControl::Discard]);
+  // Key releases (`up`) change nothing; `captured` then means kept from the
+  // window, whose default handling would start menu mode on an Alt release.
   const struct {
     int key, shift;
     std::set<int> held;
     bool captured;
     uint32_t code;
     const wchar_t* text;
+    bool up = false;
   } presses[] = {
       {16, 1, {}, false, 0x40000005, L"[H1+H4]"},  // modifiers alone change nothing
+      {16, 0, {}, false, 0x40000005, L"", true},
       {45, 0, {45}, false, 0x40000005, L"[H1+H4]"},
       {9, 0, {}, false, 0x40000005, L"[H1+H4]"},  // Tab leaves the field
       {67, 2, {}, true, 0x00020043, L"C+C"},
@@ -282,15 +310,22 @@ TEST_F(WizardTest, HotKeyCapture) {
       {116, 5, {145}, true, 0x20050074, L"Narrix+A+S+F5"},
       {13, 0, {}, true, 0x0000000D, L"Enter"},  // not Finish
       {27, 0, {}, true, 0x0000001B, L"Esc"},    // not Cancel
+      {18, 4, {}, false, 0x0000001B, L""},      // Alt+J, Alt released first
       {74, 4, {}, true, 0x0004004A, L"A+J"},    // not an access key
-      {121, 0, {}, true, 0x00000079, L"F10"},   // not the menu key
+      {18, 0, {}, true, 0x0004004A, L"", true},
+      {74, 0, {}, false, 0x0004004A, L"", true},
+      {115, 4, {}, true, 0x00040073, L"A+key(115)"},  // not Close
+      {115, 4, {}, true, 0x00040073, L"", true},
+      {18, 0, {}, true, 0x00040073, L"", true},
+      {121, 0, {}, true, 0x00000079, L"F10"},  // not the menu key
+      {121, 0, {}, true, 0x00000079, L"", true},
       {122, 4, {}, true, 0x0004007A, L"A+key(122)"},
   };
   for (const auto& p : presses) {
     view_.keysDown = p.held;
-    EXPECT_EQ(wizard_.hk_KeyDown(p.key, p.shift), p.captured) << p.key;
+    EXPECT_EQ(p.up ? wizard_.hk_KeyUp(p.key, p.shift) : wizard_.hk_KeyDown(p.key, p.shift), p.captured) << p.key;
     EXPECT_EQ(static_cast<uint32_t>(item_->HotKey), p.code) << p.key;
-    if (p.captured) {
+    if (p.captured && !p.up) {
       EXPECT_EQ(view_.hotKeyText, p.text);
       EXPECT_FALSE(view_.keepFocus);
       EXPECT_FALSE(view_.checked[WizardControl::Braille]);
@@ -298,10 +333,27 @@ TEST_F(WizardTest, HotKeyCapture) {
     }
   }
   EXPECT_FALSE(view_.closed);
-  wizard_.chkBraille_Click(true);
-  EXPECT_EQ(static_cast<uint32_t>(item_->HotKey), 0x4004007Au);
-  wizard_.chkBraille_Click(false);
-  EXPECT_EQ(static_cast<uint32_t>(item_->HotKey), 0x0004007Au);
+
+  // Braille switches a code between key and button; a status button's code
+  // unchecked is a key the field can name, not a code it shows as nothing.
+  const struct {
+    uint32_t code;
+    bool braille;
+    uint32_t result;
+    const wchar_t* text;
+  } switches[] = {
+      {0x00000005, true, 0x40000005, L"[H1+H4]"},
+      {0x4004007A, false, 0x0004007A, L"A+key(122)"},
+      {0xC0020003, false, 0x00020003, L"C+key(3)"},
+      {0xC0040003, false, 0x00040003, L"A+key(3)"},
+  };
+  for (const auto& c : switches) {
+    item_->HotKey = static_cast<int32_t>(c.code);
+    wizard_.chkBraille_Click(c.braille);
+    EXPECT_EQ(static_cast<uint32_t>(item_->HotKey), c.result) << c.code;
+    EXPECT_EQ(view_.hotKeyText, c.text) << c.code;
+    EXPECT_EQ(view_.enabled[WizardControl::Discard], !c.braille);
+  }
   wizard_.cmdHotKeyDel_Click();
   wizard_.cmdNext_Click();
   EXPECT_EQ(item_->HotKey, 0);
@@ -445,7 +497,7 @@ TEST_F(WizardTest, BackFromTheCommandPageStoresNothing) {
       {L"SayLine", WizardKind::Command}, {L"shell(a.vbs)", WizardKind::Script}, {L"Mine", WizardKind::Command}};
   for (const auto& c : cases) {
     item_->Action = c.action;
-    fWizard wizard(view_, prompts_, processes_, info_, defs_);
+    fWizard wizard(view_, prompts_, processes_, info_, defs_, page_);
     wizard.LoadDefs(dir_.Path(L"gKeyCode.def"), dir_.Path(L"gActions.def"));
     wizard.SetMenuItem(item_.get());
     wizard.cmdNext_Click();
@@ -457,6 +509,64 @@ TEST_F(WizardTest, BackFromTheCommandPageStoresNothing) {
     wizard.cmdPrev_Click();
     EXPECT_EQ(wizard.Page(), 1);
     EXPECT_EQ(item_->Action, c.action);
+  }
+}
+
+// The menu file holds the system's single-byte code page: a caption, script
+// path or typed command with a character it lacks is refused on Next, with
+// the character named and selected in its field, and nothing is stored.
+TEST_F(WizardTest, TextTheCodePageCannotHoldIsRefused) {
+  constexpr size_t kAccepted = std::wstring::npos;
+  const struct {
+    unsigned codePage;
+    WizardField field;
+    const wchar_t* text;
+    size_t at;
+    const wchar_t* named;
+  } cases[] = {
+      {1252, WizardField::Name, L"Čtení", 0, L"\"Č\" (U+010C)"},
+      {1250, WizardField::Name, L"Čtení", kAccepted, nullptr},
+      {1250, WizardField::Name, L"Año €", 1, L"\"ñ\" (U+00F1)"},
+      {1252, WizardField::Name, L"Año €", kAccepted, nullptr},
+      {1252, WizardField::ScriptPath, L"wscript.exe \"$(appsetdir)\\čti.vbs\"", 26, L"\"č\" (U+010D)"},
+      {1250, WizardField::ScriptPath, L"wscript.exe \"$(appsetdir)\\čti.vbs\"", kAccepted, nullptr},
+      {1252, WizardField::Command, L" Přečti", 2, L"\"ř\" (U+0159)"},
+      {1250, WizardField::Command, L"Say \U0001F600", 4, L"\"\U0001F600\" (U+1F600)"},
+  };
+  for (const auto& c : cases) {
+    BuiltinCodePage codePage(c.codePage);
+    fWizard wizard(view_, prompts_, processes_, info_, defs_, codePage);
+    item_->Caption = c.field == WizardField::Name ? c.text : L"Item";
+    const std::wstring action = c.field == WizardField::Name         ? L""
+                                : c.field == WizardField::ScriptPath ? L"shell(a.vbs)"
+                                                                     : L"Mine";
+    item_->Action = action;
+    wizard.SetMenuItem(item_.get());
+    if (c.field != WizardField::Name) {
+      wizard.cmdNext_Click();
+      wizard.cmdNext_Click();
+      ASSERT_TRUE(c.field == WizardField::ScriptPath || !view_.list);  // a typed command
+      view_.scriptPath = view_.commandText = c.text;
+    }
+    const int page = wizard.Page();
+    prompts_.messages.clear();
+    view_.selections = 0;
+    wizard.cmdNext_Click();
+    if (c.at == kAccepted) {
+      EXPECT_EQ(wizard.Page(), page + 1) << c.text;
+      EXPECT_TRUE(prompts_.messages.empty()) << c.text;
+      continue;
+    }
+    EXPECT_EQ(wizard.Page(), page) << c.text;
+    EXPECT_EQ(item_->Action, action) << c.text;
+    ASSERT_EQ(prompts_.messages.size(), 1u) << c.text;
+    EXPECT_EQ(prompts_.messages[0], L"The character " + std::wstring(c.named) +
+                                        L" cannot be stored in the menu file: the system's code page has no such "
+                                        L"character. Remove it or write it another way.");
+    EXPECT_EQ(view_.selections, 1);
+    EXPECT_EQ(view_.selection.field, c.field) << c.text;
+    EXPECT_EQ(view_.selection.start, c.at) << c.text;
+    EXPECT_EQ(view_.selection.length, 1u) << c.text;
   }
 }
 

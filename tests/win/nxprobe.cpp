@@ -16,11 +16,22 @@
 //                                such a display, prints "sent: N raised: M" (N
 //                                displays, M of them passed the event on to a
 //                                listener); exit 0 when a display was reached.
+//   nxprobe focuslog TITLE MS    for MS milliseconds, in order, every focus change and
+//                                every show and hide of a top-level window in the
+//                                thread of the window TITLE ("-": in every process
+//                                but this one): "focus shown|hidden ID CLASS TEXT"
+//                                (hidden: the control or its window was not
+//                                visible when it got the focus), "show|hide 0 CLASS
+//                                TITLE"; ID is the control id, 0 for a window.
+//   nxprobe layout TITLE [MS]    the window's DPI, then every shown control's place
+//                                and whether it lies inside the window and its
+//                                caption fits (see Layout below)
 // A TITLE of the form @FILE is read from FILE (UTF-8), so that titles in any
 // language arrive intact whatever the locale of the calling shell.
 // Exit status 0 when the window was found (absent: not found), 1 otherwise.
 #include <windows.h>
 #include <commctrl.h>
+#include <winternl.h>
 
 #include <cstdlib>
 #include <string>
@@ -290,13 +301,150 @@ int Layout(HWND hwnd) {
   return 0;
 }
 
+// focuslog: a hook on the messages sent to the windows of every process.
+// Wine reports no focus event for a focus that comes from no focus (as after
+// a window is shown again), and no show event at all, so the log is taken
+// from the messages themselves: WM_SETFOCUS, and WM_SHOWWINDOW of top-level
+// windows. The hook runs in the program's process, where Wine loads this
+// executable as the hook's module without its C++ runtime and without binding
+// its imports: it finds its few calls in the loaded DLLs itself, and posts
+// what it sees, in order, to the logging window here.
+const wchar_t kFocusLogClass[] = L"NxFocusLog";
+constexpr UINT kFocusMessage = WM_APP + 10, kShowMessage = WM_APP + 11;
+
+// The base of loaded DLL `name` (`length` characters, lower case).
+const char* LoadedDll(const wchar_t* name, size_t length) {
+  // The process's PEB, read straight from the thread block: no call may be
+  // made through an import here.
+#ifdef _MSC_VER
+  const auto* peb = reinterpret_cast<const PEB*>(__readgsqword(0x60));
+#else
+  const PEB* peb = nullptr;
+  asm("movq %%gs:0x60, %0" : "=r"(peb));
+#endif
+  const LIST_ENTRY* head = &peb->Ldr->InMemoryOrderModuleList;
+  for (const LIST_ENTRY* link = head->Flink; link != head; link = link->Flink) {
+    const auto* entry = CONTAINING_RECORD(link, LDR_DATA_TABLE_ENTRY, InMemoryOrderLinks);
+    const size_t size = entry->FullDllName.Length / sizeof(wchar_t);
+    const wchar_t* path = entry->FullDllName.Buffer;
+    if (size <= length || path[size - length - 1] != L'\\') continue;
+    size_t same = 0;
+    while (same < length && (path[size - length + same] | 0x20) == name[same]) ++same;
+    if (same == length) return static_cast<const char*>(entry->DllBase);
+  }
+  return nullptr;
+}
+
+// Export `name` of the DLL at `base`, following a forward ("dll.name").
+FARPROC Export(const char* base, const char* name) {
+  if (!base) return nullptr;
+  const auto* nt =
+      reinterpret_cast<const IMAGE_NT_HEADERS*>(base + reinterpret_cast<const IMAGE_DOS_HEADER*>(base)->e_lfanew);
+  const IMAGE_DATA_DIRECTORY& table = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT];
+  const auto* exports = reinterpret_cast<const IMAGE_EXPORT_DIRECTORY*>(base + table.VirtualAddress);
+  const auto* names = reinterpret_cast<const DWORD*>(base + exports->AddressOfNames);
+  const auto* ordinals = reinterpret_cast<const WORD*>(base + exports->AddressOfNameOrdinals);
+  const auto* functions = reinterpret_cast<const DWORD*>(base + exports->AddressOfFunctions);
+  for (DWORD i = 0; i < exports->NumberOfNames; ++i) {
+    const char *a = base + names[i], *b = name;
+    while (*b && *a == *b) ++a, ++b;
+    if (*a || *b) continue;
+    const DWORD rva = functions[ordinals[i]];
+    if (rva < table.VirtualAddress || rva >= table.VirtualAddress + table.Size)
+      return reinterpret_cast<FARPROC>(base + rva);
+    const char* forward = base + rva;
+    wchar_t dll[64];
+    size_t n = 0;
+    for (; forward[n] && forward[n] != '.' && n < 59; ++n) dll[n] = static_cast<wchar_t>(forward[n] | 0x20);
+    if (forward[n] != '.') return nullptr;
+    for (const char* dot = ".dll"; *dot; ++dot) dll[n++] = static_cast<wchar_t>(*dot);
+    return Export(LoadedDll(dll, n), forward + (n - 3));
+  }
+  return nullptr;
+}
+
+template <typename F>
+F User32(F& cached, const char* name) {
+  if (!cached) cached = reinterpret_cast<F>(reinterpret_cast<void*>(Export(LoadedDll(L"user32.dll", 10), name)));
+  return cached;
+}
+
+LRESULT CALLBACK FocusLogHook(int code, WPARAM wParam, LPARAM lParam) {
+  static decltype(&FindWindowW) findWindow;
+  static decltype(&PostMessageW) post;
+  static decltype(&GetAncestor) ancestor;
+  static decltype(&IsWindowVisible) visible;
+  static decltype(&CallNextHookEx) next;
+  const auto* sent = reinterpret_cast<const CWPSTRUCT*>(lParam);
+  if (code == HC_ACTION && (sent->message == WM_SETFOCUS || sent->message == WM_SHOWWINDOW) &&
+      User32(findWindow, "FindWindowW") && User32(post, "PostMessageW") && User32(ancestor, "GetAncestor") &&
+      User32(visible, "IsWindowVisible")) {
+    HWND root = ancestor(sent->hwnd, GA_ROOT);
+    HWND log = findWindow(kFocusLogClass, nullptr);
+    if (log && sent->message == WM_SETFOCUS)  // visible: bit 0 the window, bit 1 the control
+      post(log, kFocusMessage, reinterpret_cast<WPARAM>(sent->hwnd),
+           (visible(root) ? 1 : 0) | (visible(sent->hwnd) ? 2 : 0));
+    if (log && sent->message == WM_SHOWWINDOW && root == sent->hwnd)
+      post(log, kShowMessage, reinterpret_cast<WPARAM>(sent->hwnd), static_cast<LPARAM>(sent->wParam));
+  }
+  return User32(next, "CallNextHookEx") ? next(nullptr, code, wParam, lParam) : 0;
+}
+
+int FocusLog(const std::wstring& title, DWORD ms) {
+  DWORD thread = 0;
+  if (title != L"-") {
+    HWND hwnd = WaitForWindow(title, 20000);
+    if (!hwnd) {
+      Print(L"no window titled " + title);
+      return 1;
+    }
+    thread = GetWindowThreadProcessId(hwnd, nullptr);
+  }
+  WNDCLASSW windowClass{};
+  windowClass.lpfnWndProc = DefWindowProcW;
+  windowClass.hInstance = GetModuleHandleW(nullptr);
+  windowClass.lpszClassName = kFocusLogClass;
+  RegisterClassW(&windowClass);
+  HWND log = CreateWindowW(kFocusLogClass, L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, windowClass.hInstance, nullptr);
+  HHOOK hook = SetWindowsHookExW(WH_CALLWNDPROC, FocusLogHook, GetModuleHandleW(nullptr), thread);
+  if (!log || !hook) {
+    Print(L"no hook");
+    return 1;
+  }
+  Print(L"logging");
+  for (const DWORD start = GetTickCount(); GetTickCount() - start <= ms;) {
+    MsgWaitForMultipleObjects(0, nullptr, FALSE, 50, QS_ALLINPUT);
+    MSG msg;
+    while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
+      if (msg.hwnd != log || (msg.message != kFocusMessage && msg.message != kShowMessage)) {
+        DispatchMessageW(&msg);
+        continue;
+      }
+      HWND hwnd = reinterpret_cast<HWND>(msg.wParam);
+      DWORD process = 0;
+      GetWindowThreadProcessId(hwnd, &process);
+      if (process == GetCurrentProcessId()) continue;
+      const bool topLevel = GetAncestor(hwnd, GA_ROOT) == hwnd;
+      const std::wstring what = msg.message == kShowMessage ? (msg.lParam ? L"show" : L"hide")
+                                : msg.lParam == 3           ? L"focus shown"
+                                                            : L"focus hidden";
+      Print(what + L" " + std::to_wstring(topLevel ? 0 : GetDlgCtrlID(hwnd)) + L" " + ClassOf(hwnd) + L" " +
+            TextOf(hwnd));
+    }
+  }
+  UnhookWindowsHookEx(hook);
+  return 0;
+}
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
   if (argc >= 2 && std::wstring(argv[1]) == L"braille") return Braille(argc, argv);
   if (argc < 3) {
     Print(
-        L"usage: nxprobe list|message|absent|rect|editor|nodes|visible|active TITLE [MS] | popup - [MS] | braille ...");
+        L"usage: nxprobe list|message|absent|rect|editor|nodes|visible|active|focuslog|layout TITLE [MS] | popup - "
+        L"[MS] | "
+        L"braille ...");
     return 2;
   }
   const std::wstring command = argv[1], title = TitleArgument(argv[2]);
@@ -309,6 +457,7 @@ int wmain(int argc, wchar_t** argv) {
     Print(L"no pop-up menu");
     return 1;
   }
+  if (command == L"focuslog") return FocusLog(title, ms);
   HWND hwnd = WaitForWindow(title, ms);
   if (command == L"absent") return hwnd ? 1 : 0;
   if (!hwnd) {
