@@ -18,133 +18,37 @@ std::wstring TrimProfile(std::wstring_view s) {
   return std::wstring(s.substr(b, e - b));
 }
 
-enum class Encoding { Ansi, Utf8Bom, Utf16Bom };
+// The section name of a header line ("[name]"), trimmed.
+std::optional<std::wstring> SectionOf(const std::wstring& text) {
+  std::wstring t = TrimProfile(text);
+  if (t.empty() || t[0] != L'[') return std::nullopt;
+  size_t close = t.rfind(L']');
+  if (close == std::wstring::npos || close == 0) return std::nullopt;
+  return TrimProfile(std::wstring_view(t).substr(1, close - 1));
+}
 
-struct Line {
-  std::wstring text;
-  std::wstring eol;  // "", "\r\n", "\n" or "\r"
-};
-
-// A profile file as lines, with what the readers see in each of them.
-struct ProfileText {
-  Encoding encoding = Encoding::Ansi;
-  std::vector<Line> lines;
-
-  // The section name of a header line ("[name]"), trimmed.
-  static std::optional<std::wstring> SectionOf(const std::wstring& text) {
-    std::wstring t = TrimProfile(text);
-    if (t.empty() || t[0] != L'[') return std::nullopt;
-    size_t close = t.rfind(L']');
-    if (close == std::wstring::npos || close == 0) return std::nullopt;
-    return TrimProfile(std::wstring_view(t).substr(1, close - 1));
+// The key of a key line and its value (none when the line has no "=").
+// A line starting with ";" is a comment to people, but a lookup of a key
+// that starts with ";" finds it all the same, as in Windows.
+bool KeyOf(const std::wstring& text, std::wstring& key, std::optional<std::wstring>& value) {
+  std::wstring t = TrimProfile(text);
+  if (t.empty()) return false;
+  size_t eq = t.find(L'=');
+  if (eq == std::wstring::npos) {
+    key = t;
+    value.reset();
+  } else {
+    key = TrimProfile(std::wstring_view(t).substr(0, eq));
+    value = TrimProfile(std::wstring_view(t).substr(eq + 1));
   }
-
-  // The key of a key line and its value (none when the line has no "=").
-  // A line starting with ";" is a comment to people, but a lookup of a key
-  // that starts with ";" finds it all the same, as in Windows.
-  static bool KeyOf(const std::wstring& text, std::wstring& key, std::optional<std::wstring>& value) {
-    std::wstring t = TrimProfile(text);
-    if (t.empty()) return false;
-    size_t eq = t.find(L'=');
-    if (eq == std::wstring::npos) {
-      key = t;
-      value.reset();
-    } else {
-      key = TrimProfile(std::wstring_view(t).substr(0, eq));
-      value = TrimProfile(std::wstring_view(t).substr(eq + 1));
-    }
-    return true;
-  }
-
-  // Index of the first header of `section`, or npos. The lines before the
-  // first header form a section without a name, found by the name "" and
-  // given as kLeading.
-  static constexpr size_t kLeading = static_cast<size_t>(-2);
-  size_t FindSection(const std::wstring& section) const {
-    if (section.empty() && !lines.empty() && !SectionOf(lines[0].text)) return kLeading;
-    for (size_t i = 0; i < lines.size(); ++i) {
-      auto name = SectionOf(lines[i].text);
-      if (name && EqualsNoCase(*name, section)) return i;
-    }
-    return std::wstring::npos;
-  }
-
-  // One past the last line of the section whose header is at `header`.
-  size_t SectionEnd(size_t header) const {
-    size_t i = header == kLeading ? 0 : header + 1;
-    while (i < lines.size() && !SectionOf(lines[i].text)) ++i;
-    return i;
-  }
-
-  size_t FindKey(size_t header, const std::wstring& key, std::optional<std::wstring>* value) const {
-    const size_t end = SectionEnd(header);
-    for (size_t i = header == kLeading ? 0 : header + 1; i < end; ++i) {
-      std::wstring k;
-      std::optional<std::wstring> v;
-      if (KeyOf(lines[i].text, k, v) && EqualsNoCase(k, key)) {
-        if (value) *value = v;
-        return i;
-      }
-    }
-    return std::wstring::npos;
-  }
-};
+  return true;
+}
 
 std::wstring DecodeUtf16(std::string_view bytes) {
   std::wstring out;
   for (size_t i = 0; i + 1 < bytes.size(); i += 2)
     out += static_cast<wchar_t>(static_cast<unsigned char>(bytes[i]) | (static_cast<unsigned char>(bytes[i + 1]) << 8));
   return out;
-}
-
-ProfileText Parse(const std::string& bytes, const ICodePage& codePage) {
-  ProfileText file;
-  std::wstring text;
-  if (bytes.size() >= 3 && bytes.compare(0, 3, "\xEF\xBB\xBF") == 0) {
-    file.encoding = Encoding::Utf8Bom;
-    text = Utf8ToWide(std::string_view(bytes).substr(3));
-  } else if (bytes.size() >= 2 && bytes.compare(0, 2, "\xFF\xFE") == 0) {
-    file.encoding = Encoding::Utf16Bom;
-    text = DecodeUtf16(std::string_view(bytes).substr(2));
-  } else {
-    text = codePage.ToWide(bytes);
-  }
-  size_t pos = 0;
-  while (pos < text.size()) {
-    size_t end = text.find_first_of(L"\r\n", pos);
-    Line line;
-    if (end == std::wstring::npos) {
-      line.text = text.substr(pos);
-      pos = text.size();
-    } else {
-      line.text = text.substr(pos, end - pos);
-      size_t eolLen = (text[end] == L'\r' && end + 1 < text.size() && text[end + 1] == L'\n') ? 2 : 1;
-      line.eol = text.substr(end, eolLen);
-      pos = end + eolLen;
-    }
-    file.lines.push_back(std::move(line));
-  }
-  return file;
-}
-
-std::string Serialize(const ProfileText& file, const ICodePage& codePage) {
-  std::wstring text;
-  for (const auto& line : file.lines) text += line.text + line.eol;
-  switch (file.encoding) {
-    case Encoding::Utf8Bom:
-      return "\xEF\xBB\xBF" + WideToUtf8(text);
-    case Encoding::Utf16Bom: {
-      std::string out = "\xFF\xFE";
-      for (wchar_t c : text) {
-        out += static_cast<char>(c & 0xFF);
-        out += static_cast<char>((c >> 8) & 0xFF);
-      }
-      return out;
-    }
-    case Encoding::Ansi:
-      break;
-  }
-  return codePage.ToAnsi(text);
 }
 
 std::wstring Unquote(const std::wstring& value) {
@@ -187,24 +91,263 @@ int ParseProfileInt(const std::wstring& s) {
   return static_cast<int>(total);
 }
 
+// What a buffer of `bufferSize` characters holds of `text`.
+std::wstring Truncated(std::wstring text, size_t bufferSize) {
+  if (bufferSize == 0) return {};
+  if (text.size() > bufferSize - 1) text.resize(bufferSize - 1);
+  return text;
+}
+
+std::wstring DefaultValue(const std::wstring& def, size_t bufferSize) {
+  std::wstring result = def;
+  while (!result.empty() && result.back() == L' ') result.pop_back();
+  return Truncated(std::move(result), bufferSize);
+}
+
 }  // namespace
+
+std::wstring ProfileDocument::Decode(std::string_view bytes) const {
+  switch (encoding_) {
+    case Encoding::Utf8Bom:
+      return Utf8ToWide(bytes);
+    case Encoding::Utf16Bom:
+      return DecodeUtf16(bytes);
+    case Encoding::Ansi:
+      break;
+  }
+  return codePage_->ToWide(bytes);
+}
+
+std::string ProfileDocument::Encode(const std::wstring& text) const {
+  switch (encoding_) {
+    case Encoding::Utf8Bom:
+      return WideToUtf8(text);
+    case Encoding::Utf16Bom: {
+      std::string out;
+      for (wchar_t c : text) {
+        out += static_cast<char>(c & 0xFF);
+        out += static_cast<char>((c >> 8) & 0xFF);
+      }
+      return out;
+    }
+    case Encoding::Ansi:
+      break;
+  }
+  return codePage_->ToAnsi(text);
+}
+
+ProfileDocument ProfileDocument::Parse(const std::string& bytes, const ICodePage& codePage) {
+  ProfileDocument file(codePage);
+  std::string_view body = bytes;
+  if (bytes.size() >= 3 && bytes.compare(0, 3, "\xEF\xBB\xBF") == 0) {
+    file.encoding_ = Encoding::Utf8Bom;
+    body.remove_prefix(3);
+  } else if (bytes.size() >= 2 && bytes.compare(0, 2, "\xFF\xFE") == 0) {
+    file.encoding_ = Encoding::Utf16Bom;
+    body.remove_prefix(2);
+  }
+  const std::wstring text = file.Decode(body);
+  size_t pos = 0;
+  while (pos < text.size()) {
+    size_t end = text.find_first_of(L"\r\n", pos);
+    Line line;
+    if (end == std::wstring::npos) {
+      line.text = text.substr(pos);
+      pos = text.size();
+    } else {
+      line.text = text.substr(pos, end - pos);
+      size_t eolLen = (text[end] == L'\r' && end + 1 < text.size() && text[end + 1] == L'\n') ? 2 : 1;
+      line.eol = text.substr(end, eolLen);
+      pos = end + eolLen;
+    }
+    file.lines_.push_back(std::move(line));
+  }
+  return file;
+}
+
+std::string ProfileDocument::Serialize() const {
+  std::wstring text;
+  for (const auto& line : lines_) text += line.text + line.eol;
+  switch (encoding_) {
+    case Encoding::Utf8Bom:
+      return "\xEF\xBB\xBF" + Encode(text);
+    case Encoding::Utf16Bom:
+      return "\xFF\xFE" + Encode(text);
+    case Encoding::Ansi:
+      break;
+  }
+  return Encode(text);
+}
+
+// Index of the first header of `section`, or kNone; kLeading for the lines
+// before the first header, found by the name "".
+size_t ProfileDocument::FindSection(const std::wstring& section) const {
+  if (section.empty() && !lines_.empty() && !SectionOf(lines_[0].text)) return kLeading;
+  for (size_t i = 0; i < lines_.size(); ++i) {
+    auto name = SectionOf(lines_[i].text);
+    if (name && EqualsNoCase(*name, section)) return i;
+  }
+  return kNone;
+}
+
+// One past the last line of the section whose header is at `header`.
+size_t ProfileDocument::SectionEnd(size_t header) const {
+  size_t i = SectionStart(header);
+  while (i < lines_.size() && !SectionOf(lines_[i].text)) ++i;
+  return i;
+}
+
+size_t ProfileDocument::FindKey(size_t header, const std::wstring& key, std::optional<std::wstring>* value) const {
+  const size_t end = SectionEnd(header);
+  for (size_t i = SectionStart(header); i < end; ++i) {
+    std::wstring k;
+    std::optional<std::wstring> v;
+    if (KeyOf(lines_[i].text, k, v) && EqualsNoCase(k, key)) {
+      if (value) *value = v;
+      return i;
+    }
+  }
+  return kNone;
+}
+
+std::wstring ProfileDocument::GetString(const std::wstring& section, const std::wstring& key, const std::wstring& def,
+                                        size_t bufferSize) const {
+  const size_t header = FindSection(TrimProfile(section));
+  std::optional<std::wstring> value;
+  if (header != kNone && FindKey(header, TrimProfile(key), &value) != kNone && value)
+    return Truncated(Unquote(*value), bufferSize);
+  return DefaultValue(def, bufferSize);
+}
+
+ProfileDocument::Section ProfileDocument::KeysOf(const std::wstring& section) const {
+  Section keys;
+  const size_t header = FindSection(TrimProfile(section));
+  if (header == kNone) return keys;
+  const size_t end = SectionEnd(header);
+  for (size_t i = SectionStart(header); i < end; ++i) {
+    std::wstring k;
+    std::optional<std::wstring> v;
+    if (KeyOf(lines_[i].text, k, v)) keys.values_.emplace(UpperCase(k), std::move(v));  // the first line wins
+  }
+  return keys;
+}
+
+std::wstring ProfileDocument::Section::GetString(const std::wstring& key, const std::wstring& def,
+                                                 size_t bufferSize) const {
+  const auto found = values_.find(UpperCase(TrimProfile(key)));
+  if (found != values_.end() && found->second) return Truncated(Unquote(*found->second), bufferSize);
+  return DefaultValue(def, bufferSize);
+}
+
+bool ProfileDocument::Write(const std::wstring& section, const std::optional<std::wstring>& key,
+                            const std::optional<std::wstring>& value) {
+  // Writing into the nameless section before the first header is refused:
+  // no caller needs it and Windows' results for it are not documented.
+  const std::wstring sec = TrimProfile(section);
+  if (sec.empty()) return false;
+  const size_t header = FindSection(sec);
+  if (!key) {
+    if (header != kNone)
+      lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(header),
+                   lines_.begin() + static_cast<std::ptrdiff_t>(SectionEnd(header)));
+    return true;
+  }
+  if (!value) {
+    const size_t at = header == kNone ? kNone : FindKey(header, TrimProfile(*key), nullptr);
+    if (at != kNone) lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(at));
+    return true;
+  }
+  const std::wstring entry = *key + L"=" + *value;
+  if (header == kNone) {
+    if (!lines_.empty() && lines_.back().eol.empty()) lines_.back().eol = L"\r\n";
+    lines_.push_back({L"[" + section + L"]", L"\r\n"});
+    lines_.push_back({entry, L"\r\n"});
+    return true;
+  }
+  const size_t at = FindKey(header, TrimProfile(*key), nullptr);
+  if (at != kNone) {
+    lines_[at].text = entry;
+    return true;
+  }
+  // After the section's last non-blank line, before any blank lines that
+  // separate it from the next section.
+  size_t last = SectionEnd(header) - 1;
+  while (last > header && TrimProfile(lines_[last].text).empty()) --last;
+  if (lines_[last].eol.empty()) lines_[last].eol = L"\r\n";
+  lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(last + 1), Line{entry, L"\r\n"});
+  return true;
+}
+
+// Whether the line "key=value" reads back from the file as a key line of
+// that key: no line break in it, nothing the encoding changes, not taken
+// for a header, and no "=" inside the key.
+bool ProfileDocument::ReadsBackAsKey(const std::wstring& key, const std::wstring& value) const {
+  const std::wstring entry = key + L"=" + value;
+  if (entry.find_first_of(L"\r\n") != std::wstring::npos || SectionOf(entry) || Decode(Encode(entry)) != entry)
+    return false;
+  std::wstring k;
+  std::optional<std::wstring> v;
+  return KeyOf(entry, k, v) && k == TrimProfile(key);
+}
+
+bool ProfileDocument::WriteKeys(const std::wstring& section,
+                                const std::vector<std::pair<std::wstring, std::wstring>>& entries) {
+  const std::wstring sec = TrimProfile(section);
+  if (sec.empty()) return false;
+  bool plain = SectionOf(L"[" + section + L"]") == sec && Decode(Encode(section)) == section &&
+               section.find_first_of(L"\r\n") == std::wstring::npos;
+  for (size_t i = 0; plain && i < entries.size(); ++i) plain = ReadsBackAsKey(entries[i].first, entries[i].second);
+  if (!plain) {
+    // Keys that would read back as something else change what the next
+    // write finds: each write then works on the file as it would be read.
+    for (const auto& [key, value] : entries) {
+      Write(section, key, value);
+      *this = Parse(Serialize(), *codePage_);
+    }
+    return true;
+  }
+  if (entries.empty()) return true;
+  size_t header = FindSection(sec);
+  if (header == kNone) {
+    if (!lines_.empty() && lines_.back().eol.empty()) lines_.back().eol = L"\r\n";
+    lines_.push_back({L"[" + section + L"]", L"\r\n"});
+    header = lines_.size() - 1;
+  }
+  // Each key's first line in the section; a key that is not there yet goes
+  // with the other new ones after the section's last non-blank line.
+  const size_t end = SectionEnd(header);
+  std::unordered_map<std::wstring, size_t> index;  // line, or kNew + position among the new ones
+  for (size_t i = SectionStart(header); i < end; ++i) {
+    std::wstring k;
+    std::optional<std::wstring> v;
+    if (KeyOf(lines_[i].text, k, v)) index.emplace(UpperCase(k), i);
+  }
+  constexpr size_t kNew = static_cast<size_t>(1) << (sizeof(size_t) * 8 - 2);
+  std::vector<Line> added;
+  for (const auto& [key, value] : entries) {
+    const std::wstring entry = key + L"=" + value;
+    const auto [at, isNew] = index.emplace(UpperCase(TrimProfile(key)), kNew + added.size());
+    if (isNew)
+      added.push_back({entry, L"\r\n"});
+    else if (at->second >= kNew)
+      added[at->second - kNew].text = entry;
+    else
+      lines_[at->second].text = entry;
+  }
+  if (added.empty()) return true;
+  size_t last = end - 1;
+  while (last > header && TrimProfile(lines_[last].text).empty()) --last;
+  if (lines_[last].eol.empty()) lines_[last].eol = L"\r\n";
+  lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(last + 1), std::make_move_iterator(added.begin()),
+                std::make_move_iterator(added.end()));
+  return true;
+}
 
 std::wstring PortableProfile::GetString(const std::wstring& section, const std::wstring& key, const std::wstring& def,
                                         const std::wstring& file, size_t bufferSize) const {
-  if (bufferSize == 0) return {};
-  std::wstring result = def;
-  while (!result.empty() && result.back() == L' ') result.pop_back();
-  const std::wstring sec = TrimProfile(section), k = TrimProfile(key);
-  std::string bytes;
-  if (ReadFileBytes(file, bytes)) {
-    ProfileText text = Parse(bytes, codePage_);
-    size_t header = text.FindSection(sec);
-    std::optional<std::wstring> value;
-    if (header != std::wstring::npos && text.FindKey(header, k, &value) != std::wstring::npos && value)
-      result = Unquote(*value);
-  }
-  if (result.size() > bufferSize - 1) result.resize(bufferSize - 1);
-  return result;
+  ProfileDocument document(codePage_);
+  Load(file, document);  // a file that cannot be read gives the default
+  return document.GetString(section, key, def, bufferSize);
 }
 
 std::wstring PortableProfile::GetString(const std::wstring& section, const std::wstring& key, const std::wstring& def,
@@ -218,48 +361,31 @@ int PortableProfile::GetInt(const std::wstring& section, const std::wstring& key
   return text.empty() ? def : ParseProfileInt(text);
 }
 
+bool PortableProfile::Load(const std::wstring& file, ProfileDocument& document, ReadFailure* failure) const {
+  std::string bytes;
+  ReadFailure why;
+  if (!ReadFileBytes(file, bytes, &why)) {
+    if (failure) *failure = why;
+    if (!why.missing) return false;
+    bytes.clear();
+  }
+  document = ProfileDocument::Parse(bytes, codePage_);
+  return true;
+}
+
+bool PortableProfile::Save(const std::wstring& file, const ProfileDocument& document, std::wstring* reason) {
+  return WriteFileBytes(file, document.Serialize(), reason);
+}
+
 bool PortableProfile::WriteString(const std::wstring& section, const std::optional<std::wstring>& key,
                                   const std::optional<std::wstring>& value, const std::wstring& file) {
-  // Writing into the nameless section before the first header is refused:
-  // no caller needs it and Windows' results for it are not documented.
   if (file.empty() || TrimProfile(section).empty()) return false;
-  std::string bytes;
-  const bool existed = ReadFileBytes(file, bytes);
-  if (!existed && !key) return true;  // nothing to delete
-  ProfileText text = Parse(bytes, codePage_);
-  const std::wstring sec = TrimProfile(section);
-  const size_t header = text.FindSection(sec);
-
-  if (!key) {
-    if (header == std::wstring::npos) return true;
-    text.lines.erase(text.lines.begin() + static_cast<std::ptrdiff_t>(header),
-                     text.lines.begin() + static_cast<std::ptrdiff_t>(text.SectionEnd(header)));
-  } else if (!value) {
-    if (header == std::wstring::npos) return true;
-    size_t at = text.FindKey(header, TrimProfile(*key), nullptr);
-    if (at == std::wstring::npos) return true;
-    text.lines.erase(text.lines.begin() + static_cast<std::ptrdiff_t>(at));
-  } else {
-    const std::wstring entry = *key + L"=" + *value;
-    if (header == std::wstring::npos) {
-      if (!text.lines.empty() && text.lines.back().eol.empty()) text.lines.back().eol = L"\r\n";
-      text.lines.push_back({L"[" + section + L"]", L"\r\n"});
-      text.lines.push_back({entry, L"\r\n"});
-    } else {
-      size_t at = text.FindKey(header, TrimProfile(*key), nullptr);
-      if (at != std::wstring::npos) {
-        text.lines[at].text = entry;
-      } else {
-        // After the section's last non-blank line, before any blank lines
-        // that separate it from the next section.
-        size_t last = text.SectionEnd(header) - 1;
-        while (last > header && TrimProfile(text.lines[last].text).empty()) --last;
-        if (text.lines[last].eol.empty()) text.lines[last].eol = L"\r\n";
-        text.lines.insert(text.lines.begin() + static_cast<std::ptrdiff_t>(last + 1), Line{entry, L"\r\n"});
-      }
-    }
-  }
-  return WriteFileBytes(file, Serialize(text, codePage_));
+  ProfileDocument document(codePage_);
+  ReadFailure failure;
+  if (!Load(file, document, &failure)) return false;     // never replace a file that could not be read
+  if (failure.missing && (!key || !value)) return true;  // nothing to delete
+  document.Write(section, key, value);
+  return Save(file, document);
 }
 
 }  // namespace nx
