@@ -208,6 +208,7 @@ TEST(StringTable, EveryIdInBothLanguages) {
                           {630, 636},
                           {640, 648},  // ours: preview, damaged file, failed save, moving, the wizard's extras
                           {650, 660},  // ours: the folder buttons and their messages
+                          {670, 674},  // ours: what a menu file cannot hold
                           {700, 715},
                           {717, 725},
                           {1050, 1050},
