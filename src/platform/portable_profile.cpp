@@ -11,35 +11,37 @@ namespace {
 // NUL counts as a blank too: some tools pad profile files with NUL bytes.
 bool IsProfileSpace(wchar_t c) { return c == L' ' || c == 0 || (c >= 0x09 && c <= 0x0D) || c == 0x1A; }
 
-std::wstring TrimProfile(std::wstring_view s) {
+std::wstring_view TrimView(std::wstring_view s) {
   size_t b = 0, e = s.size();
   while (b < e && IsProfileSpace(s[b])) ++b;
   while (e > b && IsProfileSpace(s[e - 1])) --e;
-  return std::wstring(s.substr(b, e - b));
+  return s.substr(b, e - b);
 }
 
-// The section name of a header line ("[name]"), trimmed.
-std::optional<std::wstring> SectionOf(const std::wstring& text) {
-  std::wstring t = TrimProfile(text);
+std::wstring TrimProfile(std::wstring_view s) { return std::wstring(TrimView(s)); }
+
+// The section name of a header line ("[name]"), trimmed; a view into `text`.
+std::optional<std::wstring_view> SectionOf(std::wstring_view text) {
+  const std::wstring_view t = TrimView(text);
   if (t.empty() || t[0] != L'[') return std::nullopt;
   size_t close = t.rfind(L']');
-  if (close == std::wstring::npos || close == 0) return std::nullopt;
-  return TrimProfile(std::wstring_view(t).substr(1, close - 1));
+  if (close == std::wstring_view::npos || close == 0) return std::nullopt;
+  return TrimView(t.substr(1, close - 1));
 }
 
-// The key of a key line and its value (none when the line has no "=").
-// A line starting with ";" is a comment to people, but a lookup of a key
-// that starts with ";" finds it all the same, as in Windows.
-bool KeyOf(const std::wstring& text, std::wstring& key, std::optional<std::wstring>& value) {
-  std::wstring t = TrimProfile(text);
+// The key of a key line and its value (none when the line has no "="),
+// views into `text`. A line starting with ";" is a comment to people, but a
+// lookup of a key that starts with ";" finds it all the same, as in Windows.
+bool KeyOf(std::wstring_view text, std::wstring_view& key, std::optional<std::wstring_view>& value) {
+  const std::wstring_view t = TrimView(text);
   if (t.empty()) return false;
   size_t eq = t.find(L'=');
-  if (eq == std::wstring::npos) {
+  if (eq == std::wstring_view::npos) {
     key = t;
     value.reset();
   } else {
-    key = TrimProfile(std::wstring_view(t).substr(0, eq));
-    value = TrimProfile(std::wstring_view(t).substr(eq + 1));
+    key = TrimView(t.substr(0, eq));
+    value = TrimView(t.substr(eq + 1));
   }
   return true;
 }
@@ -51,10 +53,10 @@ std::wstring DecodeUtf16(std::string_view bytes) {
   return out;
 }
 
-std::wstring Unquote(const std::wstring& value) {
+std::wstring Unquote(std::wstring_view value) {
   if (value.size() >= 2 && (value[0] == L'"' || value[0] == L'\'') && value.back() == value[0])
-    return value.substr(1, value.size() - 2);
-  return value;
+    return std::wstring(value.substr(1, value.size() - 2));
+  return std::wstring(value);
 }
 
 // The number reading of RtlUnicodeStringToInteger with base 0, which
@@ -200,10 +202,10 @@ size_t ProfileDocument::SectionEnd(size_t header) const {
 size_t ProfileDocument::FindKey(size_t header, const std::wstring& key, std::optional<std::wstring>* value) const {
   const size_t end = SectionEnd(header);
   for (size_t i = SectionStart(header); i < end; ++i) {
-    std::wstring k;
-    std::optional<std::wstring> v;
+    std::wstring_view k;
+    std::optional<std::wstring_view> v;
     if (KeyOf(lines_[i].text, k, v) && EqualsNoCase(k, key)) {
-      if (value) *value = v;
+      if (value) *value = v ? std::optional<std::wstring>(*v) : std::nullopt;
       return i;
     }
   }
@@ -224,17 +226,19 @@ ProfileDocument::Section ProfileDocument::KeysOf(const std::wstring& section) co
   const size_t header = FindSection(TrimProfile(section));
   if (header == kNone) return keys;
   const size_t end = SectionEnd(header);
+  keys.values_.reserve(end - SectionStart(header));
   for (size_t i = SectionStart(header); i < end; ++i) {
-    std::wstring k;
-    std::optional<std::wstring> v;
-    if (KeyOf(lines_[i].text, k, v)) keys.values_.emplace(UpperCase(k), std::move(v));  // the first line wins
+    std::wstring_view k;
+    std::optional<std::wstring_view> v;
+    if (KeyOf(lines_[i].text, k, v))  // the first line wins
+      keys.values_.emplace(UpperCase(k), v ? std::optional<std::wstring>(*v) : std::nullopt);
   }
   return keys;
 }
 
 std::wstring ProfileDocument::Section::GetString(const std::wstring& key, const std::wstring& def,
                                                  size_t bufferSize) const {
-  const auto found = values_.find(UpperCase(TrimProfile(key)));
+  const auto found = values_.find(UpperCase(TrimView(key)));
   if (found != values_.end() && found->second) return Truncated(Unquote(*found->second), bufferSize);
   return DefaultValue(def, bufferSize);
 }
@@ -272,7 +276,7 @@ bool ProfileDocument::Write(const std::wstring& section, const std::optional<std
   // After the section's last non-blank line, before any blank lines that
   // separate it from the next section.
   size_t last = SectionEnd(header) - 1;
-  while (last > header && TrimProfile(lines_[last].text).empty()) --last;
+  while (last > header && TrimView(lines_[last].text).empty()) --last;
   if (lines_[last].eol.empty()) lines_[last].eol = L"\r\n";
   lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(last + 1), Line{entry, L"\r\n"});
   return true;
@@ -285,9 +289,9 @@ bool ProfileDocument::ReadsBackAsKey(const std::wstring& key, const std::wstring
   const std::wstring entry = key + L"=" + value;
   if (entry.find_first_of(L"\r\n") != std::wstring::npos || SectionOf(entry) || Decode(Encode(entry)) != entry)
     return false;
-  std::wstring k;
-  std::optional<std::wstring> v;
-  return KeyOf(entry, k, v) && k == TrimProfile(key);
+  std::wstring_view k;
+  std::optional<std::wstring_view> v;
+  return KeyOf(entry, k, v) && k == TrimView(key);
 }
 
 bool ProfileDocument::WriteKeys(const std::wstring& section,
@@ -318,15 +322,15 @@ bool ProfileDocument::WriteKeys(const std::wstring& section,
   const size_t end = SectionEnd(header);
   std::unordered_map<std::wstring, size_t> index;  // line, or kNew + position among the new ones
   for (size_t i = SectionStart(header); i < end; ++i) {
-    std::wstring k;
-    std::optional<std::wstring> v;
+    std::wstring_view k;
+    std::optional<std::wstring_view> v;
     if (KeyOf(lines_[i].text, k, v)) index.emplace(UpperCase(k), i);
   }
   constexpr size_t kNew = static_cast<size_t>(1) << (sizeof(size_t) * 8 - 2);
   std::vector<Line> added;
   for (const auto& [key, value] : entries) {
     const std::wstring entry = key + L"=" + value;
-    const auto [at, isNew] = index.emplace(UpperCase(TrimProfile(key)), kNew + added.size());
+    const auto [at, isNew] = index.emplace(UpperCase(TrimView(key)), kNew + added.size());
     if (isNew)
       added.push_back({entry, L"\r\n"});
     else if (at->second >= kNew)
@@ -336,7 +340,7 @@ bool ProfileDocument::WriteKeys(const std::wstring& section,
   }
   if (added.empty()) return true;
   size_t last = end - 1;
-  while (last > header && TrimProfile(lines_[last].text).empty()) --last;
+  while (last > header && TrimView(lines_[last].text).empty()) --last;
   if (lines_[last].eol.empty()) lines_[last].eol = L"\r\n";
   lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(last + 1), std::make_move_iterator(added.begin()),
                 std::make_move_iterator(added.end()));

@@ -186,7 +186,8 @@ const MenuOnDisk& MenuWithKeys(int items, bool braille) {
   MenuOnDisk files{L"", L"", nx::cMenuItem::New()};
   files.menu = std::wstring(folder.begin(), folder.end()) + L"/Command.mnu";
   std::string profile = "[KeyMap]\r\n";
-  for (int bit = 0; bit <= 30; ++bit) profile += nx::WideToUtf8(nx::HexText(1u << bit)) + "=Dot " + std::to_string(bit) + "\r\n";
+  for (int bit = 0; bit <= 30; ++bit)
+    profile += nx::WideToUtf8(nx::HexText(1u << bit)) + "=Dot " + std::to_string(bit) + "\r\n";
   profile += "CursorStatus=Routing %1\r\nAuxStatus=Status %1\r\n\r\n[Actions]\r\n";
   nx::cMenuItem* group = nullptr;
   for (int i = 0; i < items; ++i) {
