@@ -356,7 +356,7 @@ TEST_F(MenuFilesOnDiskTest, AFailedSaveNamesTheFileAndWhy) {
     item->Action = action;
     item->HotKey = 0x40000001;
   }
-  auto plain = cMenuItem::New();
+  auto plain = cMenuItem::New(), empty = cMenuItem::New();
   plain->SubItems.Add(1, plain.get(), cMenuItem::New())->HotKey = 0x40000001;
   const std::string oldMenu = "old menu", oldProfile = "[KeyMap]\r\n1=Dot 1\r\n\r\n[Actions]\r\nBefore=2\r\n";
   std::filesystem::create_directory(dir_.Fs() / "folder");
@@ -368,7 +368,7 @@ TEST_F(MenuFilesOnDiskTest, AFailedSaveNamesTheFileAndWhy) {
     std::wstring failed, reason;
     bool menuWritten, profileWritten;
   } cases[] = {
-      {menu, ini, L"", *cMenuItem::New(), L"", L"", true, false},  // no braille code: the profile is not touched
+      {menu, ini, L"", *empty, L"", L"", true, false},  // no braille code: the profile is not touched
       {noFolder, ini, L"", *root, noFolder, L"No such file or directory", false, false},
       {folder, ini, L"", *root, folder, L"Is a directory", false, false},
       {menu, ini, ini, *root, ini, L"Input/output error", false, false},

@@ -39,7 +39,7 @@ timeout 60 wine "$BIN/nxmenu.exe" from-json "$(nx_winpath "$WORK/notepad.wine.js
 check grep -q 'folder.ini: cannot be read ([^)]' "$WORK/folder.err"
 check test ! -e "$WORK/new.mnu"
 timeout 60 wine "$BIN/nxmenu.exe" from-json "$(nx_winpath "$WORK/notepad.wine.json")" \
-  "$(nx_winpath "$WORK/no folder/new.mnu")" 2>"$WORK/missing.err"
+  "$(nx_winpath "$WORK")\\no folder\\new.mnu" 2>"$WORK/missing.err"
 check grep -q 'new.mnu: cannot be written ([^)]' "$WORK/missing.err"
 nx_session_stop
 echo "$passed passed, $failed failed"
