@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <cstdint>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/folders.h"
@@ -44,6 +46,14 @@ bool KeyOf(std::wstring_view text, std::wstring_view& key, std::optional<std::ws
     value = TrimView(t.substr(eq + 1));
   }
   return true;
+}
+
+// The first line break (CR or LF) at or after `from`, or npos; a plain
+// loop, as find_first_of looks each character up in the set of two.
+size_t FindLineBreak(std::wstring_view text, size_t from = 0) {
+  for (size_t i = from; i < text.size(); ++i)
+    if (text[i] == L'\r' || text[i] == L'\n') return i;
+  return std::wstring_view::npos;
 }
 
 std::wstring DecodeUtf16(std::string_view bytes) {
@@ -148,19 +158,21 @@ ProfileDocument ProfileDocument::Parse(const std::string& bytes, const ICodePage
     file.encoding_ = Encoding::Utf16Bom;
     body.remove_prefix(2);
   }
-  const std::wstring text = file.Decode(body);
+  file.text_ = std::make_shared<const std::wstring>(file.Decode(body));
+  const std::wstring_view text = *file.text_;
   size_t pos = 0;
   while (pos < text.size()) {
-    size_t end = text.find_first_of(L"\r\n", pos);
+    const size_t end = FindLineBreak(text, pos);
     Line line;
-    if (end == std::wstring::npos) {
-      line.text = text.substr(pos);
+    line.start = pos;
+    const size_t stop = end == std::wstring_view::npos ? text.size() : end;
+    line.length = static_cast<uint32_t>(std::min<size_t>(stop - pos, UINT32_MAX));
+    if (end == std::wstring_view::npos) {
       pos = text.size();
     } else {
-      line.text = text.substr(pos, end - pos);
-      size_t eolLen = (text[end] == L'\r' && end + 1 < text.size() && text[end + 1] == L'\n') ? 2 : 1;
-      line.eol = text.substr(end, eolLen);
-      pos = end + eolLen;
+      const bool crlf = text[end] == L'\r' && end + 1 < text.size() && text[end + 1] == L'\n';
+      line.eol = crlf ? kCrLf : text[end] == L'\r' ? 3 : 2;
+      pos = end + kLineEnds[line.eol].size();
     }
     file.lines_.push_back(std::move(line));
   }
@@ -169,7 +181,11 @@ ProfileDocument ProfileDocument::Parse(const std::string& bytes, const ICodePage
 
 std::string ProfileDocument::Serialize() const {
   std::wstring text;
-  for (const auto& line : lines_) text += line.text + line.eol;
+  text.reserve((text_ ? text_->size() : 0) + 64);
+  for (const auto& line : lines_) {
+    text += TextOf(line);
+    text += kLineEnds[line.eol];
+  }
   switch (encoding_) {
     case Encoding::Utf8Bom:
       return "\xEF\xBB\xBF" + Encode(text);
@@ -184,9 +200,9 @@ std::string ProfileDocument::Serialize() const {
 // Index of the first header of `section`, or kNone; kLeading for the lines
 // before the first header, found by the name "".
 size_t ProfileDocument::FindSection(const std::wstring& section) const {
-  if (section.empty() && !lines_.empty() && !SectionOf(lines_[0].text)) return kLeading;
+  if (section.empty() && !lines_.empty() && !SectionOf(TextOf(lines_[0]))) return kLeading;
   for (size_t i = 0; i < lines_.size(); ++i) {
-    auto name = SectionOf(lines_[i].text);
+    auto name = SectionOf(TextOf(lines_[i]));
     if (name && EqualsNoCase(*name, section)) return i;
   }
   return kNone;
@@ -195,7 +211,7 @@ size_t ProfileDocument::FindSection(const std::wstring& section) const {
 // One past the last line of the section whose header is at `header`.
 size_t ProfileDocument::SectionEnd(size_t header) const {
   size_t i = SectionStart(header);
-  while (i < lines_.size() && !SectionOf(lines_[i].text)) ++i;
+  while (i < lines_.size() && !SectionOf(TextOf(lines_[i]))) ++i;
   return i;
 }
 
@@ -204,7 +220,7 @@ size_t ProfileDocument::FindKey(size_t header, const std::wstring& key, std::opt
   for (size_t i = SectionStart(header); i < end; ++i) {
     std::wstring_view k;
     std::optional<std::wstring_view> v;
-    if (KeyOf(lines_[i].text, k, v) && EqualsNoCase(k, key)) {
+    if (KeyOf(TextOf(lines_[i]), k, v) && EqualsNoCase(k, key)) {
       if (value) *value = v ? std::optional<std::wstring>(*v) : std::nullopt;
       return i;
     }
@@ -221,25 +237,79 @@ std::wstring ProfileDocument::GetString(const std::wstring& section, const std::
   return DefaultValue(def, bufferSize);
 }
 
+namespace {
+
+// UpperChar, with plain ASCII on the spot.
+inline wchar_t Folded(wchar_t c) {
+  if (static_cast<unsigned>(c) >= 0x80) return UpperChar(c);
+  return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - 32) : c;
+}
+
+}  // namespace
+
+namespace {
+
+// The hash of a key as the profile calls compare keys: letter case aside.
+uint32_t NoCaseHash(std::wstring_view key) {
+  uint32_t hash = 2166136261u;  // FNV-1a
+  for (wchar_t c : key) hash = (hash ^ static_cast<uint32_t>(Folded(c))) * 16777619u;
+  return hash;
+}
+
+bool EqualNoCase(std::wstring_view a, std::wstring_view b) {
+  if (a.size() != b.size()) return false;
+  if (a == b) return true;  // mostly spelt alike
+  for (size_t i = 0; i < a.size(); ++i)
+    if (Folded(a[i]) != Folded(b[i])) return false;
+  return true;
+}
+
+}  // namespace
+
+uint64_t* ProfileDocument::Section::Index::Find(std::wstring_view key, uint32_t hash) {
+  const size_t mask = slots.size() - 1;
+  for (size_t i = hash & mask;; i = (i + 1) & mask) {
+    uint64_t& slot = slots[i];
+    if (!slot) return &slot;
+    if (static_cast<uint32_t>(slot >> 32) == hash && EqualNoCase(entries[(slot & 0xFFFFFFFFu) - 1].key, key))
+      return &slot;
+  }
+}
+
 ProfileDocument::Section ProfileDocument::KeysOf(const std::wstring& section) const {
-  Section keys;
+  auto index = std::make_shared<Section::Index>();
+  index->text = text_;
   const size_t header = FindSection(TrimProfile(section));
-  if (header == kNone) return keys;
-  const size_t end = SectionEnd(header);
-  keys.values_.reserve(end - SectionStart(header));
-  for (size_t i = SectionStart(header); i < end; ++i) {
+  const size_t end = header == kNone ? 0 : SectionEnd(header);
+  const size_t start = header == kNone ? 0 : SectionStart(header);
+  size_t size = 16;
+  while (size < 2 * (end - start)) size *= 2;
+  index->slots.assign(size, 0);
+  for (size_t i = start; i < end; ++i) {
+    std::wstring_view line = TextOf(lines_[i]);
+    if (lines_[i].changed) line = index->changedLines.emplace_back(line);
     std::wstring_view k;
     std::optional<std::wstring_view> v;
-    if (KeyOf(lines_[i].text, k, v))  // the first line wins
-      keys.values_.emplace(UpperCase(k), v ? std::optional<std::wstring>(*v) : std::nullopt);
+    if (!KeyOf(line, k, v)) continue;
+    const uint32_t hash = NoCaseHash(k);
+    uint64_t* slot = index->Find(k, hash);
+    if (*slot) continue;  // the first line wins
+    index->entries.push_back({k, v});
+    *slot = (static_cast<uint64_t>(hash) << 32) | index->entries.size();
   }
+  Section keys;
+  keys.index_ = std::move(index);
   return keys;
 }
 
 std::wstring ProfileDocument::Section::GetString(const std::wstring& key, const std::wstring& def,
                                                  size_t bufferSize) const {
-  const auto found = values_.find(UpperCase(TrimView(key)));
-  if (found != values_.end() && found->second) return Truncated(Unquote(*found->second), bufferSize);
+  if (index_) {
+    const std::wstring_view k = TrimView(key);
+    const uint64_t slot = *const_cast<Index&>(*index_).Find(k, NoCaseHash(k));
+    const auto& value = slot ? index_->entries[(slot & 0xFFFFFFFFu) - 1].value : std::nullopt;
+    if (value) return Truncated(Unquote(*value), bufferSize);
+  }
   return DefaultValue(def, bufferSize);
 }
 
@@ -263,22 +333,22 @@ bool ProfileDocument::Write(const std::wstring& section, const std::optional<std
   }
   const std::wstring entry = *key + L"=" + *value;
   if (header == kNone) {
-    if (!lines_.empty() && lines_.back().eol.empty()) lines_.back().eol = L"\r\n";
-    lines_.push_back({L"[" + section + L"]", L"\r\n"});
-    lines_.push_back({entry, L"\r\n"});
+    if (!lines_.empty() && lines_.back().eol == 0) lines_.back().eol = kCrLf;
+    lines_.push_back(NewLine(L"[" + section + L"]"));
+    lines_.push_back(NewLine(entry));
     return true;
   }
   const size_t at = FindKey(header, TrimProfile(*key), nullptr);
   if (at != kNone) {
-    lines_[at].text = entry;
+    lines_[at].changed = std::make_unique<std::wstring>(entry);
     return true;
   }
   // After the section's last non-blank line, before any blank lines that
   // separate it from the next section.
   size_t last = SectionEnd(header) - 1;
-  while (last > header && TrimView(lines_[last].text).empty()) --last;
-  if (lines_[last].eol.empty()) lines_[last].eol = L"\r\n";
-  lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(last + 1), Line{entry, L"\r\n"});
+  while (last > header && TrimView(TextOf(lines_[last])).empty()) --last;
+  if (lines_[last].eol == 0) lines_[last].eol = kCrLf;
+  lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(last + 1), NewLine(entry));
   return true;
 }
 
@@ -287,8 +357,7 @@ bool ProfileDocument::Write(const std::wstring& section, const std::optional<std
 // for a header, and no "=" inside the key.
 bool ProfileDocument::ReadsBackAsKey(const std::wstring& key, const std::wstring& value) const {
   const std::wstring entry = key + L"=" + value;
-  if (entry.find_first_of(L"\r\n") != std::wstring::npos || SectionOf(entry) || Decode(Encode(entry)) != entry)
-    return false;
+  if (FindLineBreak(entry) != std::wstring::npos || SectionOf(entry) || Decode(Encode(entry)) != entry) return false;
   std::wstring_view k;
   std::optional<std::wstring_view> v;
   return KeyOf(entry, k, v) && k == TrimView(key);
@@ -299,7 +368,7 @@ bool ProfileDocument::WriteKeys(const std::wstring& section,
   const std::wstring sec = TrimProfile(section);
   if (sec.empty()) return false;
   bool plain = SectionOf(L"[" + section + L"]") == sec && Decode(Encode(section)) == section &&
-               section.find_first_of(L"\r\n") == std::wstring::npos;
+               FindLineBreak(section) == std::wstring::npos;
   for (size_t i = 0; plain && i < entries.size(); ++i) plain = ReadsBackAsKey(entries[i].first, entries[i].second);
   if (!plain) {
     // Keys that would read back as something else change what the next
@@ -313,8 +382,8 @@ bool ProfileDocument::WriteKeys(const std::wstring& section,
   if (entries.empty()) return true;
   size_t header = FindSection(sec);
   if (header == kNone) {
-    if (!lines_.empty() && lines_.back().eol.empty()) lines_.back().eol = L"\r\n";
-    lines_.push_back({L"[" + section + L"]", L"\r\n"});
+    if (!lines_.empty() && lines_.back().eol == 0) lines_.back().eol = kCrLf;
+    lines_.push_back(NewLine(L"[" + section + L"]"));
     header = lines_.size() - 1;
   }
   // Each key's first line in the section; a key that is not there yet goes
@@ -324,7 +393,7 @@ bool ProfileDocument::WriteKeys(const std::wstring& section,
   for (size_t i = SectionStart(header); i < end; ++i) {
     std::wstring_view k;
     std::optional<std::wstring_view> v;
-    if (KeyOf(lines_[i].text, k, v)) index.emplace(UpperCase(k), i);
+    if (KeyOf(TextOf(lines_[i]), k, v)) index.emplace(UpperCase(k), i);
   }
   constexpr size_t kNew = static_cast<size_t>(1) << (sizeof(size_t) * 8 - 2);
   std::vector<Line> added;
@@ -332,16 +401,16 @@ bool ProfileDocument::WriteKeys(const std::wstring& section,
     const std::wstring entry = key + L"=" + value;
     const auto [at, isNew] = index.emplace(UpperCase(TrimView(key)), kNew + added.size());
     if (isNew)
-      added.push_back({entry, L"\r\n"});
+      added.push_back(NewLine(entry));
     else if (at->second >= kNew)
-      added[at->second - kNew].text = entry;
+      *added[at->second - kNew].changed = entry;
     else
-      lines_[at->second].text = entry;
+      lines_[at->second].changed = std::make_unique<std::wstring>(entry);
   }
   if (added.empty()) return true;
   size_t last = end - 1;
-  while (last > header && TrimView(lines_[last].text).empty()) --last;
-  if (lines_[last].eol.empty()) lines_[last].eol = L"\r\n";
+  while (last > header && TrimView(TextOf(lines_[last])).empty()) --last;
+  if (lines_[last].eol == 0) lines_[last].eol = kCrLf;
   lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(last + 1), std::make_move_iterator(added.begin()),
                 std::make_move_iterator(added.end()));
   return true;

@@ -5,9 +5,12 @@
 // keys at once: read once, written back once.
 #pragma once
 
+#include <cstdint>
+#include <deque>
+#include <memory>
 #include <optional>
 #include <string>
-#include <unordered_map>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -41,8 +44,25 @@ class ProfileDocument {
 
    private:
     friend class ProfileDocument;
-    // By upper-case key: the value of its first line (none: no "=" there).
-    std::unordered_map<std::wstring, std::optional<std::wstring>> values_;
+    // Each key's first line: its key and value (views into the text of the
+    // file or into copies of changed lines), in the section's order, found
+    // through a small table of hashes (open addressing, at most half full:
+    // the hash of the key in the high half of a slot, the entry's position
+    // plus one in the low half, 0 for a free slot). Keys are compared as the
+    // profile calls compare them, letter case aside.
+    struct Entry {
+      std::wstring_view key;
+      std::optional<std::wstring_view> value;  // none: the line has no "="
+    };
+    struct Index {
+      std::shared_ptr<const std::wstring> text;
+      std::deque<std::wstring> changedLines;
+      std::vector<Entry> entries;
+      std::vector<uint64_t> slots;
+      // The slot of `key`, or the free slot where it would go.
+      uint64_t* Find(std::wstring_view key, uint32_t hash);
+    };
+    std::shared_ptr<const Index> index_;
   };
   Section KeysOf(const std::wstring& section) const;
 
@@ -58,10 +78,36 @@ class ProfileDocument {
 
  private:
   enum class Encoding { Ansi, Utf8Bom, Utf16Bom };
+  // A line as read (a part of the text of the file) or as changed.
   struct Line {
-    std::wstring text;
-    std::wstring eol;  // "", "\r\n", "\n" or "\r"
+    size_t start = 0;                       // in the text of the file, unless changed
+    uint32_t length = 0;                    // lines longer than 4 G characters are cut there
+    uint8_t eol = 0;                        // kLineEnds: "", "\r\n", "\n" or "\r"
+    std::unique_ptr<std::wstring> changed;  // the line's text once written
+    Line() = default;
+    Line(const Line& o) : start(o.start), length(o.length), eol(o.eol) {
+      if (o.changed) changed = std::make_unique<std::wstring>(*o.changed);
+    }
+    Line(Line&&) = default;
+    Line& operator=(Line o) {
+      start = o.start;
+      length = o.length;
+      eol = o.eol;
+      changed = std::move(o.changed);
+      return *this;
+    }
   };
+  static constexpr std::wstring_view kLineEnds[] = {L"", L"\r\n", L"\n", L"\r"};
+  static constexpr uint8_t kCrLf = 1;
+  static Line NewLine(std::wstring text) {
+    Line line;
+    line.eol = kCrLf;
+    line.changed = std::make_unique<std::wstring>(std::move(text));
+    return line;
+  }
+  std::wstring_view TextOf(const Line& line) const {
+    return line.changed ? std::wstring_view(*line.changed) : std::wstring_view(*text_).substr(line.start, line.length);
+  }
   static constexpr size_t kNone = static_cast<size_t>(-1);
   // The lines before the first header form a section without a name.
   static constexpr size_t kLeading = static_cast<size_t>(-2);
@@ -76,6 +122,7 @@ class ProfileDocument {
 
   const ICodePage* codePage_;
   Encoding encoding_ = Encoding::Ansi;
+  std::shared_ptr<const std::wstring> text_;  // the file as read, shared by copies of the document
   std::vector<Line> lines_;
 };
 

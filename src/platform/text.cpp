@@ -144,7 +144,13 @@ wchar_t UpperChar(wchar_t c) {
 
 std::wstring UpperCase(std::wstring_view text) {
   std::wstring out(text);
-  for (auto& c : out) c = UpperChar(c);
+  for (auto& c : out) {
+    const unsigned u = static_cast<unsigned>(c);
+    if (u >= 'a' && u <= 'z')
+      c = static_cast<wchar_t>(u - 32);
+    else if (u >= 0x80)
+      c = UpperChar(c);
+  }
   return out;
 }
 

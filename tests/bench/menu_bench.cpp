@@ -2,6 +2,8 @@
 // the same run; each pair prints its ratio.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+
 #include <cstdio>
 #include <filesystem>
 #include <map>
@@ -316,18 +318,35 @@ void BM_FormatKeycodeEx(benchmark::State& state) {
 }
 BENCHMARK(BM_FormatKeycodeEx)->Unit(benchmark::kMillisecond);
 
-// Keeps each result so that the ratios can be printed after the table.
+// Keeps each result so that the ratios can be printed after the table;
+// with --benchmark_repetitions, the median of them (run them with
+// --benchmark_enable_random_interleaving=true, so that the sizes compared
+// take turns under the same load of the machine).
 class RatioReporter : public benchmark::ConsoleReporter {
  public:
   std::map<std::string, double> seconds, perSecond;
   void ReportRuns(const std::vector<Run>& runs) override {
     ConsoleReporter::ReportRuns(runs);
     for (const auto& run : runs) {
-      seconds[run.benchmark_name()] = run.GetAdjustedRealTime();
+      if (run.run_type != Run::RT_Iteration) continue;
+      const std::string name = run.run_name.str();
+      times_[name].push_back(run.GetAdjustedRealTime());
+      seconds[name] = Median(times_[name]);
       auto items = run.counters.find("items_per_second");
-      if (items != run.counters.end()) perSecond[run.benchmark_name()] = items->second;
+      if (items != run.counters.end()) {
+        rates_[name].push_back(items->second);
+        perSecond[name] = Median(rates_[name]);
+      }
     }
   }
+
+ private:
+  static double Median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    const size_t n = values.size();
+    return n % 2 ? values[n / 2] : (values[n / 2 - 1] + values[n / 2]) / 2;
+  }
+  std::map<std::string, std::vector<double>> times_, rates_;
 };
 
 }  // namespace
