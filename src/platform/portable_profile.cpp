@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cstdint>
 #include <unordered_map>
 #include <vector>
@@ -166,7 +165,7 @@ ProfileDocument ProfileDocument::Parse(const std::string& bytes, const ICodePage
     Line line;
     line.start = pos;
     const size_t stop = end == std::wstring_view::npos ? text.size() : end;
-    line.length = static_cast<uint32_t>(std::min<size_t>(stop - pos, UINT32_MAX));
+    line.length = stop - pos;
     if (end == std::wstring_view::npos) {
       pos = text.size();
     } else {
@@ -244,10 +243,6 @@ inline wchar_t Folded(wchar_t c) {
   if (static_cast<unsigned>(c) >= 0x80) return UpperChar(c);
   return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - 32) : c;
 }
-
-}  // namespace
-
-namespace {
 
 // The hash of a key as the profile calls compare keys: letter case aside.
 uint32_t NoCaseHash(std::wstring_view key) {

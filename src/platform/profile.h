@@ -80,8 +80,7 @@ class ProfileDocument {
   enum class Encoding { Ansi, Utf8Bom, Utf16Bom };
   // A line as read (a part of the text of the file) or as changed.
   struct Line {
-    size_t start = 0;                       // in the text of the file, unless changed
-    uint32_t length = 0;                    // lines longer than 4 G characters are cut there
+    size_t start = 0, length = 0;           // in the text of the file, unless changed
     uint8_t eol = 0;                        // kLineEnds: "", "\r\n", "\n" or "\r"
     std::unique_ptr<std::wstring> changed;  // the line's text once written
     Line() = default;
