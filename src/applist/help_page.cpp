@@ -31,11 +31,17 @@ std::string ReplaceHelpSection(const std::string& page, const std::string& text)
   return out;
 }
 
-HelpPageResult UpdateHelpPage(const std::wstring& path, const std::wstring& text, const ICodePage& codePage) {
+HelpPageResult UpdateHelpPage(const std::wstring& path, const std::wstring& text, const ICodePage& codePage,
+                              PageWithoutMarker withoutMarker, std::wstring* reason) {
   std::string page;
-  if (IsFolder(path) || !ReadFileBytes(path, page)) return HelpPageResult::Unreadable;
+  ReadFailure failure;
+  if (!ReadFileBytes(path, page, &failure)) {
+    if (reason) *reason = failure.reason;
+    return HelpPageResult::Unreadable;
+  }
   const bool marked = page.find(kHelpStartMarker) != std::string::npos;
-  if (!WriteFileBytes(path, ReplaceHelpSection(page, codePage.ToAnsi(text)))) return HelpPageResult::Unwritable;
+  if (!marked && withoutMarker == PageWithoutMarker::LeaveAlone) return HelpPageResult::NoStartMarker;
+  if (!WriteFileBytes(path, ReplaceHelpSection(page, codePage.ToAnsi(text)), reason)) return HelpPageResult::Unwritable;
   return marked ? HelpPageResult::Updated : HelpPageResult::NoStartMarker;
 }
 

@@ -24,13 +24,21 @@ std::string ReplaceHelpSection(const std::string& page, const std::string& text)
 
 enum class HelpPageResult {
   Updated,
-  NoStartMarker,  // written back with its line breaks made CR LF only
+  NoStartMarker,  // rewritten with its line breaks made CR LF only, or left alone (see below)
   Unreadable,     // missing or unreadable: left alone
   Unwritable,     // the old page is still there, unchanged
 };
 
+// What becomes of a page without a start marker: the window writes it back
+// with its line breaks made CR LF, as it always has; nxmenu leaves it alone.
+enum class PageWithoutMarker { Rewrite, LeaveAlone };
+
 // Rewrites the page at `path` with `text` (converted to the ANSI code page
-// the page is written in). The page is replaced in one piece or not at all.
-HelpPageResult UpdateHelpPage(const std::wstring& path, const std::wstring& text, const ICodePage& codePage);
+// the page is written in). The page is replaced in one piece or not at all;
+// `reason` (optional) gets the system's words when it cannot be read or
+// written.
+HelpPageResult UpdateHelpPage(const std::wstring& path, const std::wstring& text, const ICodePage& codePage,
+                              PageWithoutMarker withoutMarker = PageWithoutMarker::Rewrite,
+                              std::wstring* reason = nullptr);
 
 }  // namespace nx

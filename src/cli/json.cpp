@@ -2,6 +2,7 @@
 
 #include "platform/text.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -219,11 +220,14 @@ class Parser {
         case 'u': {
           unsigned cp;
           if (!Hex4(cp)) return false;
-          if (cp >= 0xD800 && cp < 0xDC00 && text_.substr(pos_, 2) == "\\u") {
-            pos_ += 2;
-            unsigned low;
-            if (!Hex4(low)) return false;
-            if (low >= 0xDC00 && low < 0xE000) cp = 0x10000 + ((cp - 0xD800) << 10) + (low - 0xDC00);
+          // A surrogate stands for a character only as the first half of a
+          // pair directly followed by the second.
+          if (cp >= 0xDC00 && cp < 0xE000) return Fail("a \\u escape of a lone low surrogate (no character)");
+          if (cp >= 0xD800 && cp < 0xDC00) {
+            unsigned low = 0;
+            if (text_.substr(pos_, 2) != "\\u" || (pos_ += 2, !Hex4(low)) || low < 0xDC00 || low >= 0xE000)
+              return Fail("a \\u escape of a high surrogate without its low surrogate (no character)");
+            cp = 0x10000 + ((cp - 0xD800) << 10) + (low - 0xDC00);
           }
           AppendUtf8(out, cp);
           break;
@@ -266,6 +270,17 @@ const JsonValue* JsonValue::Find(std::string_view key) const {
 
 std::optional<JsonValue> ParseJson(std::string_view text, std::string& error) {
   if (text.substr(0, 3) == "\xEF\xBB\xBF") text.remove_prefix(3);
+  // Texts are taken only as well-formed UTF-8, never guessed at.
+  if (const auto bad = FirstInvalidUtf8(text)) {
+    const std::string_view before = text.substr(0, *bad);
+    const size_t lineStart = before.rfind('\n');
+    const size_t column = lineStart == std::string_view::npos ? *bad + 1 : *bad - lineStart;
+    char byte[8];
+    std::snprintf(byte, sizeof(byte), "0x%02X", static_cast<unsigned>(static_cast<unsigned char>(text[*bad])));
+    error = "line " + std::to_string(std::count(before.begin(), before.end(), '\n') + 1) + ", column " +
+            std::to_string(column) + ": not UTF-8 (byte " + byte + " does not begin a well-formed character)";
+    return std::nullopt;
+  }
   return Parser(text).Document(error);
 }
 

@@ -33,7 +33,12 @@ bool ReadFields(const JsonValue& value, cMenuItem& item, std::string& error) {
         error = place + ": must be a text";
         return false;
       }
-      (name == "caption" ? item.Caption : item.Action) = Utf8ToWide(member.text);
+      auto text = Utf8ToWideStrict(member.text);
+      if (!text) {
+        error = place + ": not UTF-8";
+        return false;
+      }
+      (name == "caption" ? item.Caption : item.Action) = std::move(*text);
     } else if (name == "hotKey") {
       if (member.type != JsonValue::Type::Number || !member.isInteger || member.integer < INT32_MIN ||
           member.integer > INT32_MAX) {
@@ -67,7 +72,22 @@ bool ReadFields(const JsonValue& value, cMenuItem& item, std::string& error) {
 // Fills `root` from the list `items`, top down and without recursion: each
 // item joins its parent before its own children are read, so that it is
 // still a leaf when it is added.
-bool ReadTree(const JsonValue& items, cMenuItem& root, std::string& error) {
+// The first text of the item that `codePage` cannot store, as
+// ' "Caption": the action holds U+0159 "ř", which code page 1252 cannot
+// store'; empty when it can store both.
+std::string Unstorable(const cMenuItem& item, const ICodePage& codePage) {
+  for (const bool action : {false, true}) {
+    const std::wstring& text = action ? item.Action : item.Caption;
+    const auto bad = codePage.FirstUnencodable(text);
+    if (!bad) continue;
+    const std::string character = WideToUtf8(DescribeCharacter(text, *bad));  // "ř" (U+0159)
+    return " " + JsonQuote(WideToUtf8(item.Caption)) + ": the " + (action ? "action" : "caption") + " holds " +
+           character + ", which code page " + std::to_string(codePage.Id()) + " cannot store";
+  }
+  return {};
+}
+
+bool ReadTree(const JsonValue& items, cMenuItem& root, std::string& error, const ICodePage* codePage) {
   if (items.type != JsonValue::Type::Array) {
     error = "items: must be a list of items";
     return false;
@@ -94,7 +114,7 @@ bool ReadTree(const JsonValue& items, cMenuItem& root, std::string& error) {
     }
     const JsonValue& value = level.list->items[level.next++];
     MenuItemPtr item = cMenuItem::New();
-    if (!ReadFields(value, *item, error)) {
+    if (!ReadFields(value, *item, error) || (codePage && !(error = Unstorable(*item, *codePage)).empty())) {
       error = where() + error;
       return false;
     }
@@ -146,7 +166,7 @@ std::string MenuToJson(const cMenuItem& root, bool complete, const MenuJsonOptio
   return out;
 }
 
-MenuItemPtr MenuFromJson(const JsonValue& document, std::string& error) {
+MenuItemPtr MenuFromJson(const JsonValue& document, std::string& error, const ICodePage* codePage) {
   if (document.type != JsonValue::Type::Object) {
     error = "the document must be an object with \"items\"";
     return nullptr;
@@ -164,7 +184,7 @@ MenuItemPtr MenuFromJson(const JsonValue& document, std::string& error) {
   }
   MenuItemPtr root = cMenuItem::New();
   root->Caption = L"[root]";
-  if (!ReadTree(*items, *root, error)) return nullptr;
+  if (!ReadTree(*items, *root, error, codePage)) return nullptr;
   return root;
 }
 

@@ -8,6 +8,7 @@
 
 #include "cli/json.h"
 #include "menu/menu_item.h"
+#include "platform/code_page.h"
 
 namespace nx {
 
@@ -22,8 +23,10 @@ struct MenuJsonOptions {
 std::string MenuToJson(const cMenuItem& root, bool complete, const MenuJsonOptions& options);
 
 // A tree from a JSON document; null with `error` naming the place and the
-// problem when the document is not a menu. "menuId", "hotKeyText" and
-// "complete" are accepted and ignored, so a dump reads back.
-MenuItemPtr MenuFromJson(const JsonValue& document, std::string& error);
+// problem when the document is not a menu, or (with `codePage`) when a
+// caption or action holds a character that code page cannot store.
+// "menuId", "hotKeyText" and "complete" are accepted and ignored, so a dump
+// reads back.
+MenuItemPtr MenuFromJson(const JsonValue& document, std::string& error, const ICodePage* codePage = nullptr);
 
 }  // namespace nx

@@ -84,7 +84,11 @@ const std::map<std::string, std::string> kCommandHelp = {
      "Writes MENU from JSON exactly as the menu editor saves it, and the codes of\n"
      "braille-button hot keys into section Actions of the braille display profile INI.\n"
      "JSON may be - for standard input. The old MENU is replaced only by a complete new\n"
-     "file. Members menuId, hotKeyText and complete are ignored, so dumps read back.\n"},
+     "file. Members menuId, hotKeyText and complete are ignored, so dumps read back.\n"
+     "Nothing is written (exit status 1) when the JSON is not well-formed UTF-8, when a\n"
+     "caption or action holds a character the code page cannot store (the message names\n"
+     "the item and the character), or when INI is there but cannot be read. A failed\n"
+     "write says the system's reason.\n"},
     {"export-help",
      "usage: nxmenu export-help INSTALLATION_ROOT [--display NAME] [--codepage CP]\n"
      "Writes the hot keys of every menu of the installation (the general menu first,\n"
@@ -93,7 +97,8 @@ const std::map<std::string, std::string> kCommandHelp = {
      "ROOT/help/narrix/hotkey.htm, as the program's Export button does, and prints\n"
      "the page's path. --display names the braille display whose profile gives\n"
      "the braille buttons' names. The page is replaced in one piece or not at all.\n"
-     "Exit status 1 when the page is missing, cannot be written or has no start marker.\n"},
+     "Exit status 1 when the page is missing, cannot be written or has no start marker\n"
+     "(such a page is left as it is).\n"},
     {"check",
      "usage: nxmenu check MENU_OR_INSTALLATION_ROOT [--braille NAME] [--codepage CP]\n"
      "\n"
@@ -315,8 +320,8 @@ int FromJson(const std::vector<std::wstring>& argv) {
   if (source == L"-") {
     char buffer[65536];
     for (size_t n; (n = std::fread(buffer, 1, sizeof(buffer), stdin)) > 0;) text.append(buffer, n);
-  } else if (!ReadFileBytes(source, text)) {
-    Err("nxmenu: " + U8(source) + ": cannot be read\n");
+  } else if (ReadFailure failure; !ReadFileBytes(source, text, &failure)) {
+    Err("nxmenu: " + U8(source) + ": cannot be read (" + U8(failure.reason) + ")\n");
     return 1;
   }
   auto document = ParseJson(text, error);
@@ -324,21 +329,24 @@ int FromJson(const std::vector<std::wstring>& argv) {
     Err("nxmenu: " + U8(source) + ": not JSON: " + error + "\n");
     return 1;
   }
-  MenuItemPtr root = MenuFromJson(*document, error);
+  MenuItemPtr root = MenuFromJson(*document, error, tools.page);
   if (!root) {
     Err("nxmenu: " + U8(source) + ": not a menu: " + error + "\n");
     return 1;
   }
+  const std::wstring& menu = options.args[1];
   const std::wstring braille = Value(options, "--braille");
   WriteFailure failed;
-  if (!tools.defs->FlushCommand2Def(options.args[1], braille, *root, &failed)) {
-    if (failed.file == braille)
-      Err("nxmenu: " + U8(braille) + ": the braille codes could not be written into section Actions; " +
-          U8(options.args[1]) + " was written without them\n");
+  if (!tools.defs->FlushCommand2Def(menu, braille, *root, &failed)) {
+    const std::string why = " (" + U8(failed.reason) + ")";
+    if (failed.menuWritten)
+      Err("nxmenu: " + U8(braille) + ": the braille codes could not be written into section Actions" + why + "; " +
+          U8(menu) + " was written without them\n");
+    else if (failed.file == braille && !braille.empty())
+      Err("nxmenu: " + U8(braille) + ": cannot be read" + why + "; nothing was written, neither it nor " + U8(menu) +
+          "\n");
     else
-      Err("nxmenu: " + U8(options.args[1]) +
-          ": cannot be written (a text over 65,535 bytes, deeper than 32,768 levels, or the folder is not "
-          "writable); the old file is unchanged\n");
+      Err("nxmenu: " + U8(menu) + ": cannot be written" + why + "; the old file is unchanged\n");
     return 1;
   }
   return 0;
@@ -492,18 +500,19 @@ int ExportHelp(const std::vector<std::wstring>& argv) {
   std::wstring text = listing.ListDefs(info.DirSet(), general, true);
   for (const auto& app : *apps) text += listing.ListDefs(info.DirSet(), app, false);
   const std::wstring page = HelpPagePath(info);
-  switch (UpdateHelpPage(page, text, *tools.page)) {
+  std::wstring reason;
+  switch (UpdateHelpPage(page, text, *tools.page, PageWithoutMarker::LeaveAlone, &reason)) {
     case HelpPageResult::Updated:
       Out(ToFsPath(page).u8string() + "\n");
       return 0;
     case HelpPageResult::NoStartMarker:
-      Err("nxmenu: " + U8(page) + ": no '" + kHelpStartMarker + "' line; nothing exported\n");
+      Err("nxmenu: " + U8(page) + ": no '" + kHelpStartMarker + "' line; the page is unchanged, nothing exported\n");
       return 1;
     case HelpPageResult::Unreadable:
-      Err("nxmenu: " + U8(page) + ": no such help page, or it cannot be read\n");
+      Err("nxmenu: " + U8(page) + ": cannot be read (" + U8(reason) + "); nothing exported\n");
       return 1;
     case HelpPageResult::Unwritable:
-      Err("nxmenu: " + U8(page) + ": cannot be written; the page is unchanged\n");
+      Err("nxmenu: " + U8(page) + ": cannot be written (" + U8(reason) + "); the page is unchanged\n");
       return 1;
   }
   return 1;

@@ -57,16 +57,16 @@ bool cDefActions::InitNXactionsDef(const std::wstring& path, cNarrixActions* lis
 }
 
 void cDefActions::InitBrailleKeyMap(const std::wstring& path) {
-  const bool exists = PathExists(path);
-  auto read = [&](const std::wstring& key, const std::wstring& def) {
-    return exists ? profile_.GetString(L"KeyMap", key, def, path) : def;
-  };
+  // A missing or unreadable profile gives every name its default.
+  ProfileDocument document(codePage_);
+  if (!path.empty()) profile_.Load(path, document);
+  const ProfileDocument::Section names = document.KeysOf(L"KeyMap");
   for (int i = 0; i <= 30; ++i) {
     const std::wstring hex = HexText(1u << i);
-    brailleKeys_[static_cast<size_t>(i)] = read(hex, L"H" + hex);
+    brailleKeys_[static_cast<size_t>(i)] = names.GetString(hex, L"H" + hex);
   }
-  brailleKeys_[31] = read(L"CursorStatus", L"");
-  brailleKeys_[32] = read(L"AuxStatus", L"");
+  brailleKeys_[31] = names.GetString(L"CursorStatus", L"");
+  brailleKeys_[32] = names.GetString(L"AuxStatus", L"");
 }
 
 std::wstring cDefActions::ModifierText(int16_t mask, bool longNames) const {
@@ -157,25 +157,25 @@ std::wstring cDefActions::GetKeyCodeAsTextEx(const std::wstring& path, int32_t& 
   return LoadResText(kBrailleFrame, text);
 }
 
-int32_t cDefActions::ReadHex(const std::wstring& key, int32_t def, const std::wstring& file) const {
-  const std::wstring value = profile_.GetString(L"Actions", key, L"", file);
-  if (value.empty()) return def;
-  return ParseHex32(value).value_or(def);
-}
-
 MenuItemPtr cDefActions::InitCommandDef(const std::wstring& menuPath, const std::wstring& braillePath, bool* complete) {
   if (complete) *complete = true;
-  if (!PathExists(menuPath)) return nullptr;
   std::string bytes;
-  if (!ReadFileBytes(menuPath, bytes)) {
-    if (complete) *complete = false;
+  ReadFailure failure;
+  if (!ReadFileBytes(menuPath, bytes, &failure)) {
+    if (complete && !failure.missing) *complete = false;
     return nullptr;
   }
-  // A missing profile gives every braille item the code 0; it is looked for
-  // once, not for every item.
-  const bool haveBraille = PathExists(braillePath);
+  // The profile is read once for all the items; a missing or unreadable
+  // one gives every braille item the code 0.
+  ProfileDocument profile(codePage_);
+  if (!braillePath.empty()) profile_.Load(braillePath, profile);
+  const ProfileDocument::Section codes = profile.KeysOf(L"Actions");
   MenuReadResult result = ParseMenu(
-      bytes, codePage_, [&](const std::wstring& action) { return haveBraille ? ReadHex(action, 0, braillePath) : 0; },
+      bytes, codePage_,
+      [&codes](const std::wstring& action) {
+        const std::wstring value = codes.GetString(action, L"");
+        return value.empty() ? 0 : ParseHex32(value).value_or(0);
+      },
       ItemCounter);
   if (complete) *complete = result.complete;
   return result.root;
@@ -183,22 +183,25 @@ MenuItemPtr cDefActions::InitCommandDef(const std::wstring& menuPath, const std:
 
 bool cDefActions::FlushCommand2Def(const std::wstring& menuPath, const std::wstring& braillePath, const cMenuItem& root,
                                    WriteFailure* failure) {
-  std::vector<std::pair<std::wstring, uint32_t>> brailleCodes;
-  auto bytes = SerializeMenu(
-      root, codePage_, [&](const std::wstring& action, uint32_t code) { brailleCodes.emplace_back(action, code); });
-  auto fail = [failure](const std::wstring& file) {
-    if (failure) *failure = {file, L""};
+  auto fail = [failure](const std::wstring& file, std::wstring reason, bool menuWritten) {
+    if (failure) *failure = {file, std::move(reason), menuWritten};
     return false;
   };
-  if (!bytes || !WriteFileBytes(menuPath, *bytes)) return fail(menuPath);
-  if (braillePath.empty()) return true;
-  // Every code is tried even after a failure, so that as many as possible
-  // reach the profile; a menu whose braille keys are partly lost is still a
-  // failed save.
-  bool allWritten = true;
-  for (const auto& [action, code] : brailleCodes)
-    allWritten = profile_.WriteString(L"Actions", action, HexText(code), braillePath) && allWritten;
-  return allWritten || fail(braillePath);
+  std::vector<std::pair<std::wstring, std::wstring>> brailleCodes;
+  std::wstring reason;
+  auto bytes = SerializeMenu(
+      root, codePage_,
+      [&](const std::wstring& action, uint32_t code) { brailleCodes.emplace_back(action, HexText(code)); }, &reason);
+  if (!bytes) return fail(menuPath, reason, false);
+  const bool withCodes = !braillePath.empty() && !brailleCodes.empty();
+  ProfileDocument profile(codePage_);
+  ReadFailure unreadable;
+  if (withCodes && !profile_.Load(braillePath, profile, &unreadable))
+    return fail(braillePath, unreadable.reason, false);
+  if (!WriteFileBytes(menuPath, *bytes, &reason)) return fail(menuPath, reason, false);
+  if (!withCodes) return true;
+  profile.WriteKeys(L"Actions", brailleCodes);
+  return profile_.Save(braillePath, profile, &reason) || fail(braillePath, reason, true);
 }
 
 cDefServer::cDefServer(const ICodePage& codePage, IProfile& profile, std::wstring folder)

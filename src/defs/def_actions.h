@@ -21,10 +21,13 @@
 namespace nx {
 
 // A file that could not be written, and why: the system's own words (disk
-// full, access denied) or what the menu file cannot hold.
+// full, access denied), or what the menu file cannot hold, in the user's
+// language. `menuWritten`: the menu file was written, only the braille codes
+// of `file` (the profile) were not.
 struct WriteFailure {
   std::wstring file;
   std::wstring reason;
+  bool menuWritten = false;
 };
 
 class cDefActions {
@@ -61,23 +64,23 @@ class cDefActions {
   std::wstring GetKeyCodeAsTextEx(const std::wstring& path, int32_t& code);
 
   // Reads a menu file; null when it does not exist. `complete` (optional)
-  // tells whether the whole file could be read.
+  // tells whether the whole file could be read. The braille codes come from
+  // section "Actions" of the profile, read once.
   MenuItemPtr InitCommandDef(const std::wstring& menuPath, const std::wstring& braillePath, bool* complete = nullptr);
   // Writes the menu below `root`, replacing the file only once the new one
   // is whole, then the braille codes into section "Actions" of
-  // `braillePath` (when given). False when the menu cannot be stored or
-  // written (the old file is then untouched and no braille code is written)
-  // or when a braille code could not be written; `failure` (optional) then
-  // names the file that failed and why.
+  // `braillePath` (when given), the profile read and replaced once. Nothing
+  // is written when the menu cannot be stored, or when the profile has codes
+  // to take but is there and cannot be read (it would lose what it holds).
+  // False on any failure, with `failure` (optional) naming the file that
+  // failed and why; when only the profile could not be written, the menu
+  // file is already written.
   bool FlushCommand2Def(const std::wstring& menuPath, const std::wstring& braillePath, const cMenuItem& root,
                         WriteFailure* failure = nullptr);
 
  private:
   std::wstring ModifierText(int16_t mask, bool longNames) const;
   std::wstring KeyName(const std::wstring& path, int16_t key);
-  // Section "Actions" of an existing profile read as a hexadecimal number,
-  // `def` when the key is missing or unreadable.
-  int32_t ReadHex(const std::wstring& key, int32_t def, const std::wstring& file) const;
 
   struct KeyTable {
     std::optional<FileStamp> stamp;  // nothing: no such file

@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "menu/item_arena.h"
+#include "platform/text.h"
+#include "startup/string_table.h"
 
 namespace nx {
 namespace {
@@ -54,14 +56,40 @@ void PutUnsigned(std::string& out, uint32_t v, size_t width) {
   for (size_t i = 0; i < width; ++i) out += static_cast<char>((v >> (8 * i)) & 0xFF);
 }
 
+constexpr int kNameTooLong = 670, kCommandTooLong = 671, kTooDeep = 672, kNameUnencodable = 673,
+              kCommandUnencodable = 674;
+
+// An item's caption as a message names it: long ones cut short.
+std::wstring CaptionForMessage(const std::wstring& caption) {
+  constexpr size_t kLongest = 60;
+  return caption.size() <= kLongest ? caption : caption.substr(0, kLongest) + L"...";
+}
+
 // The text in the code page after its length; encoded straight into the
-// output, and the length filled in afterwards.
-bool PutText(std::string& out, const ICodePage& codePage, const std::wstring& text) {
+// output, and the length filled in afterwards. False, with the reason, when
+// the file cannot hold it.
+bool PutText(std::string& out, const ICodePage& codePage, const cMenuItem& item, bool action, std::wstring* reason) {
+  const std::wstring& text = action ? item.Action : item.Caption;
+  // Plain ASCII is in every code page; only other texts are looked at.
+  bool ascii = true;
+  for (wchar_t c : text) ascii &= static_cast<unsigned>(c) < 0x80;
+  if (!ascii) {
+    if (const auto bad = codePage.FirstUnencodable(text)) {
+      if (reason)
+        *reason = ReplaceAll(ReplaceAll(LoadResText(action ? kCommandUnencodable : kNameUnencodable), L"%2",
+                                        DescribeCharacter(text, *bad)),
+                             L"%1", CaptionForMessage(item.Caption));
+      return false;
+    }
+  }
   const size_t at = out.size();
   out.append(2, '\0');
   codePage.AppendAnsi(text, out);
   const size_t length = out.size() - at - 2;
-  if (length > 0xFFFF) return false;
+  if (length > 0xFFFF) {
+    if (reason) *reason = LoadResText(action ? kCommandTooLong : kNameTooLong, CaptionForMessage(item.Caption));
+    return false;
+  }
   out[at] = static_cast<char>(length & 0xFF);
   out[at + 1] = static_cast<char>(length >> 8);
   return true;
@@ -140,19 +168,23 @@ MenuReadResult ParseMenu(std::string_view bytes, const ICodePage& codePage,
 }
 
 std::optional<std::string> SerializeMenu(const cMenuItem& root, const ICodePage& codePage,
-                                         const std::function<void(const std::wstring&, uint32_t)>& brailleEntry) {
+                                         const std::function<void(const std::wstring&, uint32_t)>& brailleEntry,
+                                         std::wstring* reason) {
   std::string out;
   const bool whole = WalkTree(
       root,
       [&](const cMenuItem& item, size_t level, int) {
-        if (level > 0x7FFF) return false;
+        if (level > 0x7FFF) {
+          if (reason) *reason = LoadResText(kTooDeep);
+          return false;
+        }
         uint32_t keyWord = static_cast<uint32_t>(item.HotKey);
         const bool braille = (item.HotKey & kBrailleBit) != 0;
         // A braille code has no room for Discard: it reads back as false.
         if (!braille && item.Discard) keyWord |= kDiscardBit;
         PutUnsigned(out, static_cast<uint32_t>(level), 2);
         PutUnsigned(out, keyWord, 4);
-        if (!PutText(out, codePage, item.Caption) || !PutText(out, codePage, item.Action)) return false;
+        if (!PutText(out, codePage, item, false, reason) || !PutText(out, codePage, item, true, reason)) return false;
         if (braille && brailleEntry)
           brailleEntry(item.Action, static_cast<uint32_t>(item.HotKey) & ~static_cast<uint32_t>(kBrailleBit));
         return true;

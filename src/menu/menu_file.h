@@ -29,10 +29,14 @@ MenuReadResult ParseMenu(std::string_view bytes, const ICodePage& codePage,
 
 // The file bytes of the tree below `root` (the root itself is not stored).
 // `brailleEntry(action, code)` is called for every braille-button item, in
-// file order, with the code without bit 30. Nothing when a text is longer
-// than 65,535 bytes or the tree deeper than 32,767 levels.
+// file order, with the code without bit 30. Nothing when the file cannot
+// hold the tree: a text longer than 65,535 bytes, more than 32,768 levels,
+// or a character the code page does not have (never written as "?" or a
+// look-alike); `reason` (optional) then says which, naming the item and the
+// character, in the user's language.
 std::optional<std::string> SerializeMenu(const cMenuItem& root, const ICodePage& codePage,
-                                         const std::function<void(const std::wstring&, uint32_t)>& brailleEntry);
+                                         const std::function<void(const std::wstring&, uint32_t)>& brailleEntry,
+                                         std::wstring* reason = nullptr);
 
 constexpr int32_t kBrailleBit = 0x40000000;
 constexpr uint32_t kDiscardBit = 0x80000000u;

@@ -34,9 +34,26 @@ bool CreateFolder(const std::wstring& path);
 // particular order; nothing when the folder cannot be opened.
 std::optional<std::vector<std::wstring>> ListSubfolders(const std::wstring& folder);
 
-// Whole-file reads and writes of raw bytes. False on any failure; a failed
-// write leaves the old file as it was.
-bool ReadFileBytes(const std::wstring& path, std::string& bytes);
-bool WriteFileBytes(const std::wstring& path, const std::string& bytes);
+// Why a file could not be read: missing (no such file, or a folder on the
+// way is missing) or there but unreadable, with the system's own words
+// ("Access is denied.", "Is a directory").
+struct ReadFailure {
+  bool missing = false;
+  std::wstring reason;
+};
+
+// The whole file as raw bytes. False on any failure; `failure` (optional)
+// then tells why.
+bool ReadFileBytes(const std::wstring& path, std::string& bytes, ReadFailure* failure = nullptr);
+
+// Replaces the file with `bytes` in one piece: they go to a new file beside
+// the target, named after it, this process and the attempt
+// ("Command.mnu.1234-0~"), created only where nothing is yet (never through
+// a link planted there; a name taken by another writer or anything else is
+// passed over), flushed to the disk, and only then put in the target's
+// place, which keeps its attributes and permissions. A failure leaves the
+// old file as it was, removes the new one, and puts the system's own words
+// into `reason` (optional).
+bool WriteFileBytes(const std::wstring& path, const std::string& bytes, std::wstring* reason = nullptr);
 
 }  // namespace nx

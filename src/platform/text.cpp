@@ -1,5 +1,7 @@
 #include "platform/text.h"
 
+#include <cwchar>
+
 namespace nx {
 
 std::wstring Utf8ToWide(std::string_view s) {
@@ -31,6 +33,60 @@ std::wstring Utf8ToWide(std::string_view s) {
     }
   }
   return out;
+}
+
+std::optional<size_t> FirstInvalidUtf8(std::string_view s) {
+  auto continuation = [&s](size_t at) { return at < s.size() && (static_cast<unsigned char>(s[at]) & 0xC0) == 0x80; };
+  for (size_t i = 0; i < s.size();) {
+    const unsigned char c = static_cast<unsigned char>(s[i]);
+    if (c < 0x80) {
+      ++i;
+      continue;
+    }
+    // The lead byte gives the length and the range the second byte must be
+    // in, which excludes overlong forms, surrogates and code points above
+    // U+10FFFF.
+    size_t length;
+    unsigned char low = 0x80, high = 0xBF;
+    if (c >= 0xC2 && c <= 0xDF) {
+      length = 2;
+    } else if (c >= 0xE0 && c <= 0xEF) {
+      length = 3;
+      if (c == 0xE0) low = 0xA0;
+      if (c == 0xED) high = 0x9F;
+    } else if (c >= 0xF0 && c <= 0xF4) {
+      length = 4;
+      if (c == 0xF0) low = 0x90;
+      if (c == 0xF4) high = 0x8F;
+    } else {
+      return i;
+    }
+    const unsigned char second = i + 1 < s.size() ? static_cast<unsigned char>(s[i + 1]) : 0;
+    if (second < low || second > high) return i;
+    for (size_t k = 2; k < length; ++k)
+      if (!continuation(i + k)) return i;
+    i += length;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::wstring> Utf8ToWideStrict(std::string_view utf8) {
+  if (FirstInvalidUtf8(utf8)) return std::nullopt;
+  return Utf8ToWide(utf8);
+}
+
+std::wstring DescribeCharacter(std::wstring_view text, size_t at) {
+  if (at >= text.size()) return {};
+  char32_t cp = static_cast<char32_t>(text[at]);
+  size_t length = 1;
+  if (sizeof(wchar_t) == 2 && cp >= 0xD800 && cp < 0xDC00 && at + 1 < text.size() && text[at + 1] >= 0xDC00 &&
+      text[at + 1] < 0xE000) {
+    cp = 0x10000 + ((cp - 0xD800) << 10) + (static_cast<char32_t>(text[at + 1]) - 0xDC00);
+    length = 2;
+  }
+  wchar_t number[16];
+  std::swprintf(number, 16, L"U+%04X", static_cast<unsigned>(cp));
+  return L"\"" + std::wstring(text.substr(at, length)) + L"\" (" + number + L")";
 }
 
 void AppendUtf8(std::string& out, char32_t cp) {
@@ -88,7 +144,13 @@ wchar_t UpperChar(wchar_t c) {
 
 std::wstring UpperCase(std::wstring_view text) {
   std::wstring out(text);
-  for (auto& c : out) c = UpperChar(c);
+  for (auto& c : out) {
+    const unsigned u = static_cast<unsigned>(c);
+    if (u >= 'a' && u <= 'z')
+      c = static_cast<wchar_t>(u - 32);
+    else if (u >= 0x80)
+      c = UpperChar(c);
+  }
   return out;
 }
 

@@ -29,6 +29,14 @@ int Win32Profile::GetInt(const std::wstring& section, const std::wstring& key, i
   return static_cast<int>(GetPrivateProfileIntA(Ansi(section).c_str(), Ansi(key).c_str(), def, Ansi(file).c_str()));
 }
 
+bool Win32Profile::Load(const std::wstring& file, ProfileDocument& document, ReadFailure* failure) const {
+  return PortableProfile(SystemCodePage()).Load(file, document, failure);
+}
+
+bool Win32Profile::Save(const std::wstring& file, const ProfileDocument& document, std::wstring* reason) {
+  return WriteFileBytes(file, document.Serialize(), reason);
+}
+
 bool Win32Profile::WriteString(const std::wstring& section, const std::optional<std::wstring>& key,
                                const std::optional<std::wstring>& value, const std::wstring& file) {
   const std::string s = Ansi(section), f = Ansi(file);

@@ -2,14 +2,19 @@
 // the same run; each pair prints its ratio.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+
 #include <cstdio>
+#include <filesystem>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "defs/def_actions.h"
 #include "menu/menu_file.h"
+#include "defs/def_text.h"
 #include "platform/folders.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -166,6 +171,79 @@ void BM_WriteMenuFile(benchmark::State& state) {
 }
 BENCHMARK(BM_WriteMenuFile)->Unit(benchmark::kMillisecond);
 
+// Menus of `items` braille-button items (in pull-downs of ten) with their
+// display profile (button names, and one code a command in section Actions),
+// against the same menu with keyboard hot keys and no profile.
+struct MenuOnDisk {
+  std::wstring menu, profile;
+  nx::MenuItemPtr root;
+};
+
+const MenuOnDisk& MenuWithKeys(int items, bool braille) {
+  static std::map<std::pair<int, bool>, MenuOnDisk> made;
+  auto found = made.find({items, braille});
+  if (found != made.end()) return found->second;
+  const std::string folder = "/tmp/nx-bench-" + std::string(braille ? "braille-" : "keys-") + std::to_string(items);
+  std::filesystem::create_directories(folder);
+  MenuOnDisk files{L"", L"", nx::cMenuItem::New()};
+  files.menu = std::wstring(folder.begin(), folder.end()) + L"/Command.mnu";
+  std::string profile = "[KeyMap]\r\n";
+  for (int bit = 0; bit <= 30; ++bit)
+    profile += nx::WideToUtf8(nx::HexText(1u << bit)) + "=Dot " + std::to_string(bit) + "\r\n";
+  profile += "CursorStatus=Routing %1\r\nAuxStatus=Status %1\r\n\r\n[Actions]\r\n";
+  nx::cMenuItem* group = nullptr;
+  for (int i = 0; i < items; ++i) {
+    if (i % 10 == 0) {
+      group = files.root->SubItems.Add(1, files.root.get(), nx::cMenuItem::New()).get();
+      group->Caption = L"Group " + std::to_wstring(i / 10);
+    }
+    auto item = group->SubItems.Add(1, group, nx::cMenuItem::New());
+    item->Caption = L"Menu entry number " + std::to_wstring(i);
+    item->Action = L"shell(wscript.exe \"$(appsetdir)\\script" + std::to_wstring(i) + L".vbs\")";
+    const uint32_t code = static_cast<uint32_t>(i % 0x3FFF) + 1;
+    item->HotKey = braille ? static_cast<int32_t>(0x40000000u | code) : static_cast<int32_t>(0x00020041 + i % 26);
+    profile += nx::WideToUtf8(item->Action) + "=" + nx::WideToUtf8(nx::HexText(code)) + "\r\n";
+  }
+  if (braille) {
+    files.profile = std::wstring(folder.begin(), folder.end()) + L"/Focus 40.ini";
+    nx::WriteFileBytes(files.profile, profile);
+  }
+  nx::WriteFileBytes(files.menu, *nx::SerializeMenu(*files.root, kPage, nullptr));
+  return made.emplace(std::make_pair(items, braille), std::move(files)).first->second;
+}
+
+// Opening a menu as the editor does: the menu with its codes, and the
+// button names when there is a profile.
+void ReadMenuWithKeys(benchmark::State& state, bool braille) {
+  const MenuOnDisk& files = MenuWithKeys(static_cast<int>(state.range(0)), braille);
+  nx::PortableProfile profile(kPage);
+  nx::cDefActions defs(kPage, profile);
+  for (auto _ : state) {
+    auto root = defs.InitCommandDef(files.menu, files.profile);
+    if (braille) defs.InitBrailleKeyMap(files.profile);
+    benchmark::DoNotOptimize(root.get());
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+void BM_ReadKeyboardMenu(benchmark::State& state) { ReadMenuWithKeys(state, false); }
+void BM_ReadBrailleMenu(benchmark::State& state) { ReadMenuWithKeys(state, true); }
+BENCHMARK(BM_ReadKeyboardMenu)->Arg(1000)->Arg(8000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ReadBrailleMenu)->Arg(1000)->Arg(8000)->Unit(benchmark::kMillisecond);
+
+// Saving it: the menu file and the codes in the profile.
+void SaveMenuWithKeys(benchmark::State& state, bool braille) {
+  const MenuOnDisk& files = MenuWithKeys(static_cast<int>(state.range(0)), braille);
+  nx::PortableProfile profile(kPage);
+  nx::cDefActions defs(kPage, profile);
+  for (auto _ : state)
+    if (!defs.FlushCommand2Def(files.menu, files.profile, *files.root)) state.SkipWithError("the save failed");
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+void BM_SaveKeyboardMenu(benchmark::State& state) { SaveMenuWithKeys(state, false); }
+void BM_SaveBrailleMenu(benchmark::State& state) { SaveMenuWithKeys(state, true); }
+BENCHMARK(BM_SaveKeyboardMenu)->Arg(1000)->Arg(8000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SaveBrailleMenu)->Arg(1000)->Arg(8000)->Unit(benchmark::kMillisecond);
+
 std::vector<int32_t> MixedCodes() {
   std::vector<int32_t> codes;
   codes.reserve(1000000);
@@ -240,18 +318,35 @@ void BM_FormatKeycodeEx(benchmark::State& state) {
 }
 BENCHMARK(BM_FormatKeycodeEx)->Unit(benchmark::kMillisecond);
 
-// Keeps each result so that the ratios can be printed after the table.
+// Keeps each result so that the ratios can be printed after the table;
+// with --benchmark_repetitions, the median of them (run them with
+// --benchmark_enable_random_interleaving=true, so that the sizes compared
+// take turns under the same load of the machine).
 class RatioReporter : public benchmark::ConsoleReporter {
  public:
   std::map<std::string, double> seconds, perSecond;
   void ReportRuns(const std::vector<Run>& runs) override {
     ConsoleReporter::ReportRuns(runs);
     for (const auto& run : runs) {
-      seconds[run.benchmark_name()] = run.GetAdjustedRealTime();
+      if (run.run_type != Run::RT_Iteration) continue;
+      const std::string name = run.run_name.str();
+      times_[name].push_back(run.GetAdjustedRealTime());
+      seconds[name] = Median(times_[name]);
       auto items = run.counters.find("items_per_second");
-      if (items != run.counters.end()) perSecond[run.benchmark_name()] = items->second;
+      if (items != run.counters.end()) {
+        rates_[name].push_back(items->second);
+        perSecond[name] = Median(rates_[name]);
+      }
     }
   }
+
+ private:
+  static double Median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    const size_t n = values.size();
+    return n % 2 ? values[n / 2] : (values[n / 2 - 1] + values[n / 2]) / 2;
+  }
+  std::map<std::string, std::vector<double>> times_, rates_;
 };
 
 }  // namespace
@@ -264,10 +359,10 @@ int main(int argc, char** argv) {
     if (!reporter.seconds.count(name) || !reporter.seconds.count(baseline)) return;
     const double r = reporter.seconds[name] / reporter.seconds[baseline];
     if (target <= 0) {
-      std::printf("%-20s %6.2fx %-24s\n", name, r, baseline);
+      std::printf("%-24s %6.2fx %-24s\n", name, r, baseline);
       return;
     }
-    std::printf("%-20s %6.2fx %-24s (target at most %.1fx: %s)\n", name, r, baseline, target,
+    std::printf("%-24s %6.2fx %-24s (target at most %.1fx: %s)\n", name, r, baseline, target,
                 r <= target ? "met" : "MISSED");
   };
   std::printf("\nRatios to the baselines of this run:\n");
@@ -275,6 +370,13 @@ int main(int argc, char** argv) {
   ratio("BM_WriteMenu", "BM_BufferSerialisation", 3.0);
   ratio("BM_WriteMenuFile", "BM_BufferSerialisation", 0);
   ratio("BM_FormatKeycodeEx", "BM_KeyTextBaseline", 0);
+  for (const char* size : {"/1000", "/8000"}) {
+    ratio(("BM_ReadBrailleMenu" + std::string(size)).c_str(), ("BM_ReadKeyboardMenu" + std::string(size)).c_str(), 0);
+    ratio(("BM_SaveBrailleMenu" + std::string(size)).c_str(), ("BM_SaveKeyboardMenu" + std::string(size)).c_str(), 0);
+  }
+  // Eight times the items within ten times the time.
+  for (const char* name : {"BM_ReadKeyboardMenu", "BM_ReadBrailleMenu", "BM_SaveKeyboardMenu", "BM_SaveBrailleMenu"})
+    ratio((std::string(name) + "/8000").c_str(), (std::string(name) + "/1000").c_str(), 10.0);
   if (reporter.perSecond.count("BM_FormatKeycodeEx")) {
     const double rate = reporter.perSecond["BM_FormatKeycodeEx"];
     std::printf("BM_FormatKeycodeEx   %.2f million key texts a second (target at least 2: %s)\n", rate / 1e6,

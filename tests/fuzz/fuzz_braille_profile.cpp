@@ -1,13 +1,15 @@
 // libFuzzer: a braille display profile on any bytes: the button names of
-// section KeyMap with the braille key texts made from them, and the codes of
+// section KeyMap with the braille key texts made from them, the codes of
 // section Actions as the menu reader looks them up, for every key the input
-// names.
+// names, and those keys written at once as one by one.
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "defs/def_actions.h"
 #include "menu/menu_file.h"
@@ -59,6 +61,25 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     } catch (const std::overflow_error&) {
     }
   }
+  // Codes written at once leave the profile as writing them one by one, the
+  // file read again after each, does.
+  std::vector<std::pair<std::wstring, std::wstring>> codes;
+  for (size_t start = 0; start < bytes.size() && codes.size() < 8;) {
+    size_t end = bytes.find('\n', start);
+    if (end == std::string_view::npos) end = bytes.size();
+    const std::string_view line = bytes.substr(start, end - start);
+    if (line.find('=') != std::string_view::npos)
+      codes.emplace_back(page.ToWide(line.substr(0, line.find('='))), std::to_wstring(codes.size()));
+    start = end + 1;
+  }
+  nx::ProfileDocument atOnce = nx::ProfileDocument::Parse(std::string(bytes), page), oneByOne = atOnce;
+  atOnce.WriteKeys(L"Actions", codes);
+  for (const auto& [key, value] : codes) {
+    oneByOne.Write(L"Actions", key, value);
+    oneByOne = nx::ProfileDocument::Parse(oneByOne.Serialize(), page);
+  }
+  if (atOnce.Serialize() != oneByOne.Serialize()) __builtin_trap();
+
   bool complete = false;
   const nx::MenuItemPtr root = defs.InitCommandDef(menu.Path(), ini.Path(), &complete);
   if (!root || !complete) __builtin_trap();

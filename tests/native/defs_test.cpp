@@ -58,7 +58,8 @@ TEST_F(DefsTest, BrailleCodes) {
   EXPECT_EQ(Text(0x40000000), L"[]");
   EXPECT_EQ(Text(0x7FFFFFFF).substr(0, 12), L"[H1+H2+H4+H8");
   dir_.Write(L"Focus 40.ini",
-             "[KeyMap]\r\n1=Dot 1\r\n4=Dot 3\r\n100=Space\r\nCursorStatus=Cell %1 (%1)\r\nAuxStatus=Aux %1\r\n");
+             "[KeyMap]\r\n1=Dot 1\r\n4=\"Dot 3\"\r\n4=second\r\n8\r\n100=Space\r\nCursorStatus=Cell %1 (%1)\r\n"
+             "AuxStatus=Aux %1\r\n");
   defs_.InitBrailleKeyMap(dir_.Path(L"Focus 40.ini"));
   EXPECT_EQ(defs_.BrailleKeyName(3), L"H8");
   const struct {
@@ -76,10 +77,14 @@ TEST_F(DefsTest, BrailleCodes) {
   defs_.GetKeyCodeAsTextEx(Keys(), code);
   EXPECT_EQ(code, 0x00020002);  // bits 30 and 31 cleared in the caller's copy
 
-  defs_.InitBrailleKeyMap(dir_.Path(L"none.ini"));
-  EXPECT_EQ(defs_.BrailleKeyName(3), L"H8");
-  EXPECT_EQ(defs_.BrailleKeyName(30), L"H40000000");
-  EXPECT_EQ(defs_.BrailleKeyName(31), L"");
+  // No profile, or one that cannot be read: every name is the default.
+  std::filesystem::create_directory(dir_.Fs() / "folder.ini");
+  for (const wchar_t* missing : {L"none.ini", L"folder.ini"}) {
+    defs_.InitBrailleKeyMap(dir_.Path(missing));
+    EXPECT_EQ(defs_.BrailleKeyName(0), L"H1");
+    EXPECT_EQ(defs_.BrailleKeyName(30), L"H40000000");
+    EXPECT_EQ(defs_.BrailleKeyName(31), L"");
+  }
 }
 
 TEST_F(DefsTest, CodesTheModelNeverHolds) {

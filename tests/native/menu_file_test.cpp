@@ -1,12 +1,18 @@
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <atomic>
 #include <iterator>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "defs/def_actions.h"
 #include "menu/menu_file.h"
 #include "platform/profile.h"
+#include "platform/text.h"
+#include "startup/string_table.h"
 #include "refusing_profile.h"
 #include "menu_records.h"
 #include "temp_folder.h"
@@ -214,17 +220,45 @@ TEST_F(MenuFileTest, EveryCutOfAFileReadsWhatWasWhole) {
                    .complete);
 }
 
-TEST_F(MenuFileTest, DeepAndOverlongTrees) {
-  auto root = cMenuItem::New();
-  cMenuItem* last = root.get();
+// What the file cannot hold is refused with the reason, never written as
+// "?" or cut short.
+TEST_F(MenuFileTest, WhatTheFileCannotHold) {
+  SetUiLanguage(UiLanguage::English);
+  auto deep = cMenuItem::New();
+  cMenuItem* last = deep.get();
   for (int i = 0; i < 40000; ++i) last = last->SubItems.Add(1, last, cMenuItem::New()).get();
-  EXPECT_FALSE(SerializeMenu(*root, page_, nullptr).has_value());  // deeper than a level can say
-
-  auto wide = cMenuItem::New();
-  wide->SubItems.Add(1, wide.get(), cMenuItem::New())->Caption = std::wstring(65536, L'x');
-  EXPECT_FALSE(SerializeMenu(*wide, page_, nullptr).has_value());
-  wide->SubItems.item(1)->Caption.pop_back();
-  EXPECT_TRUE(SerializeMenu(*wide, page_, nullptr).has_value());
+  auto item = [](std::wstring caption, std::wstring action) {
+    auto root = cMenuItem::New();
+    auto child = root->SubItems.Add(1, root.get(), cMenuItem::New());
+    child->Caption = std::move(caption);
+    child->Action = std::move(action);
+    return root;
+  };
+  BuiltinCodePage central(1250);
+  const struct {
+    MenuItemPtr root;
+    const ICodePage& page;
+    std::wstring reason;  // empty: it fits
+  } cases[] = {
+      {deep, page_, L"The menu has more than 32,768 levels."},
+      {item(std::wstring(65535, L'x'), L""), page_, L""},
+      {item(std::wstring(65536, L'x'), L""), page_,
+       L"The name of the item \"" + std::wstring(60, L'x') + L"...\" is longer than 65,535 bytes."},
+      {item(L"Run", std::wstring(65536, L'x')), page_, L"The command of the item \"Run\" is longer than 65,535 bytes."},
+      {item(L"Žlutý kůň", L""), page_,
+       L"The name of the item \"Žlutý kůň\" contains the character \"ů\" (U+016F), which the code page of menu "
+       L"files cannot hold."},
+      {item(L"Žlutý kůň", L""), central, L""},
+      {item(L"Smile", L"Say \U0001F600"), central,
+       L"The command of the item \"Smile\" contains the character \"\U0001F600\" (U+1F600), which the code page of "
+       L"menu files cannot hold."},
+  };
+  for (const auto& c : cases) {
+    std::wstring reason;
+    const auto bytes = SerializeMenu(*c.root, c.page, nullptr, &reason);
+    EXPECT_EQ(bytes.has_value(), c.reason.empty()) << WideToUtf8(c.reason);
+    EXPECT_EQ(reason, c.reason);
+  }
 }
 
 TEST_F(MenuFileTest, TextsUseTheCodePage) {
@@ -310,17 +344,10 @@ TEST_F(MenuFilesOnDiskTest, ReadWriteAndTheBrailleProfile) {
             0x40000000);
 }
 
-TEST_F(MenuFilesOnDiskTest, AFailedWriteKeepsTheOldFile) {
-  dir_.Write(L"Command.mnu", "old bytes");
-  auto root = cMenuItem::New();
-  root->SubItems.Add(1, root.get(), cMenuItem::New())->Caption = std::wstring(70000, L'x');
-  EXPECT_FALSE(defs_.FlushCommand2Def(dir_.Path(L"Command.mnu"), L"", *root));
-  EXPECT_EQ(dir_.Read(L"Command.mnu"), "old bytes");
-  EXPECT_FALSE(defs_.FlushCommand2Def(dir_.Path(L"missing folder\\Command.mnu"), L"", *cMenuItem::New()));
-  EXPECT_FALSE(std::filesystem::exists(dir_.Fs() / "Command.mnu.new~"));
-}
-
-TEST_F(MenuFilesOnDiskTest, ALostBrailleCodeIsAFailedWrite) {
+// Nothing is lost on a failed save: the file that failed is named with the
+// system's reason; a profile that is there but cannot be read stops the
+// save before anything is written.
+TEST_F(MenuFilesOnDiskTest, AFailedSaveNamesTheFileAndWhy) {
   test::RefusingProfile profile(page_, L"Refused");
   cDefActions defs(page_, profile);
   auto root = cMenuItem::New();
@@ -329,25 +356,103 @@ TEST_F(MenuFilesOnDiskTest, ALostBrailleCodeIsAFailedWrite) {
     item->Action = action;
     item->HotKey = 0x40000001;
   }
+  auto plain = cMenuItem::New(), empty = cMenuItem::New();
+  plain->SubItems.Add(1, plain.get(), cMenuItem::New())->HotKey = 0x40000001;
+  const std::string oldMenu = "old menu", oldProfile = "[KeyMap]\r\n1=Dot 1\r\n\r\n[Actions]\r\nBefore=2\r\n";
+  std::filesystem::create_directory(dir_.Fs() / "folder");
   const std::wstring menu = dir_.Path(L"Command.mnu"), ini = dir_.Path(L"Focus 40.ini");
+  const std::wstring noFolder = dir_.Path(L"no folder\\x"), folder = dir_.Path(L"folder");
   const struct {
-    std::wstring menu, ini;
-    bool written;
-    std::wstring failed;
-    const char* profileAfter;
+    std::wstring menu, ini, unreadable;
+    const cMenuItem& root;
+    std::wstring failed, reason;
+    bool menuWritten, profileWritten;
   } cases[] = {
-      {menu, L"", true, L"", ""},
-      {dir_.Path(L"no folder\\Command.mnu"), ini, false, dir_.Path(L"no folder\\Command.mnu"), ""},
-      // The menu is written; every code that can be is written too.
-      {menu, ini, false, ini, "[Actions]\r\nBefore=1\r\nAfter=1\r\n"},
+      {menu, ini, L"", *empty, L"", L"", true, false},  // no braille code: the profile is not touched
+      {noFolder, ini, L"", *root, noFolder, L"No such file or directory", false, false},
+      {folder, ini, L"", *root, folder, L"Is a directory", false, false},
+      {menu, ini, ini, *root, ini, L"Input/output error", false, false},
+      {menu, folder, L"", *root, folder, L"Is a directory", false, false},
+      {menu, noFolder, L"", *plain, noFolder, L"No such file or directory", true, false},
   };
   for (const auto& c : cases) {
+    dir_.Write(L"Command.mnu", oldMenu);
+    dir_.Write(L"Focus 40.ini", oldProfile);
+    profile.unreadable = c.unreadable;
     WriteFailure failed;
-    EXPECT_EQ(defs.FlushCommand2Def(c.menu, c.ini, *root, &failed), c.written);
+    EXPECT_EQ(defs.FlushCommand2Def(c.menu, c.ini, c.root, &failed), c.failed.empty());
     EXPECT_EQ(failed.file, c.failed);
-    EXPECT_EQ(dir_.Read(L"Focus 40.ini"), c.profileAfter);
+    EXPECT_EQ(failed.reason, c.reason);
+    EXPECT_EQ(failed.menuWritten, !c.failed.empty() && c.menuWritten);
+    EXPECT_EQ(dir_.Read(L"Command.mnu") != oldMenu, c.menuWritten) << WideToUtf8(c.failed);
+    EXPECT_EQ(dir_.Read(L"Focus 40.ini") != oldProfile, c.profileWritten) << WideToUtf8(c.failed);
   }
-  EXPECT_EQ(defs.InitCommandDef(menu, L"")->SubItems.Count(), 3);
+  // Every code at once, or none: a profile that cannot take one keeps all.
+  WriteFailure failed;
+  EXPECT_FALSE(defs.FlushCommand2Def(menu, ini, *root, &failed));
+  EXPECT_EQ(failed.reason, L"Permission denied");
+  EXPECT_EQ(dir_.Read(L"Focus 40.ini"), oldProfile);
+  root->SubItems.item(2)->Action = L"Other";
+  ASSERT_TRUE(defs.FlushCommand2Def(menu, ini, *root));
+  EXPECT_EQ(dir_.Read(L"Focus 40.ini"), "[KeyMap]\r\n1=Dot 1\r\n\r\n[Actions]\r\nBefore=1\r\nOther=1\r\nAfter=1\r\n");
+  EXPECT_EQ(defs.InitCommandDef(menu, ini)->SubItems.Count(), 3);
+  // No new file is left behind by any of it.
+  size_t files = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(dir_.Fs())) files += entry.is_regular_file();
+  EXPECT_EQ(files, 2u);
+}
+
+// Two saves of different menus to one file at once, many times: a reader
+// finds one whole menu or the other, never parts of both.
+TEST_F(MenuFilesOnDiskTest, TwoWritersAtOnceLeaveOneWholeMenu) {
+  auto menuOf = [](int items, const wchar_t* caption) {
+    auto root = cMenuItem::New();
+    for (int i = 0; i < items; ++i) root->SubItems.Add(1, root.get(), cMenuItem::New())->Caption = caption;
+    return root;
+  };
+  const MenuItemPtr menus[] = {menuOf(5000, L"first menu"), menuOf(40, L"second")};
+  const std::string whole[] = {*SerializeMenu(*menus[0], page_, nullptr), *SerializeMenu(*menus[1], page_, nullptr)};
+  const std::wstring path = dir_.Path(L"Command.mnu");
+  std::atomic<int> running{2};
+  auto writer = [&](const cMenuItem& root) {
+    cDefActions defs(page_, profile_);
+    for (int i = 0; i < 100; ++i) EXPECT_TRUE(defs.FlushCommand2Def(path, L"", root));
+    --running;
+  };
+  std::thread first(writer, std::cref(*menus[0])), second(writer, std::cref(*menus[1]));
+  int mixed = 0;
+  while (running > 0) {
+    const std::string read = dir_.Read(L"Command.mnu");
+    mixed += !read.empty() && read != whole[0] && read != whole[1];
+  }
+  first.join();
+  second.join();
+  EXPECT_EQ(mixed, 0);
+  const std::string last = dir_.Read(L"Command.mnu");
+  EXPECT_TRUE(last == whole[0] || last == whole[1]);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir_.Fs()), {}), 1);
+}
+
+// A link planted where the new file goes (the fixed name of old, and the
+// names this process tries first) is passed over, never written through;
+// the new file takes the old one's permissions.
+TEST_F(MenuFilesOnDiskTest, LinksPlantedAtTheNewFilesNamesAreNotFollowed) {
+  dir_.Write(L"victim", "not the menu's");
+  dir_.Write(L"Command.mnu", "old");
+  std::filesystem::permissions(dir_.Fs() / "Command.mnu", std::filesystem::perms(0640));
+  const std::string menu = (dir_.Fs() / "Command.mnu").string();
+  std::vector<std::string> links{menu + ".new~"};
+  for (int i = 0; i < 10; ++i) links.push_back(menu + "." + std::to_string(getpid()) + "-" + std::to_string(i) + "~");
+  for (const auto& link : links) std::filesystem::create_symlink(dir_.Fs() / "victim", link);
+  std::filesystem::create_symlink(dir_.Fs() / "made through a link", menu + "." + std::to_string(getpid()) + "-10~");
+  auto root = cMenuItem::New();
+  root->SubItems.Add(1, root.get(), cMenuItem::New())->Caption = L"new";
+  ASSERT_TRUE(defs_.FlushCommand2Def(dir_.Path(L"Command.mnu"), L"", *root));
+  EXPECT_EQ(dir_.Read(L"Command.mnu"), *SerializeMenu(*root, page_, nullptr));
+  EXPECT_EQ(std::filesystem::status(dir_.Fs() / "Command.mnu").permissions(), std::filesystem::perms(0640));
+  EXPECT_EQ(dir_.Read(L"victim"), "not the menu's");
+  EXPECT_FALSE(std::filesystem::exists(dir_.Fs() / "made through a link"));
+  for (const auto& link : links) EXPECT_TRUE(std::filesystem::is_symlink(link)) << link;
 }
 
 }  // namespace

@@ -73,6 +73,20 @@ TEST(Nxmenu, ProblemsAndExitCodes) {
   test::TempFolder dir;
   dir.Write(L"bad.json", R"({"items": [{"caption": "x", "hotKey": 4294967296}]})");
   dir.Write(L"broken.json", "{\"items\": [");
+  // Not well-formed UTF-8, byte by byte, and surrogates that stand for no character.
+  const struct {
+    const wchar_t* name;
+    std::string text;
+  } notUtf8[] = {{L"lead.json", "\xFF"},
+                 {L"continuation.json", "\xC3("},
+                 {L"cut.json", "\xE2\x82"},
+                 {L"overlong.json", "\xC0\xAF"},
+                 {L"surrogate.json", "\xED\xA0\x80"},
+                 {L"above.json", "\xF4\x90\x80\x80"},
+                 {L"high.json", "\\ud800"},
+                 {L"low.json", "\\udc00"},
+                 {L"unpaired.json", "\\ud800\\u0041"}};
+  for (const auto& bad : notUtf8) dir.Write(bad.name, "{\"items\": [{\"caption\": \"a" + bad.text + "\"}]}");
   dir.Write(L"dup.json", R"({"items": [{"caption": "Tools", "action": "x", "hotKey": 65, "items": [
       {"caption": "A", "action": "SayLine", "hotKey": 66}, {"caption": "B", "action": "SayWord", "hotKey": 66}]}]})");
   const std::string d = dir.Fs().string() + "/";
@@ -89,7 +103,16 @@ TEST(Nxmenu, ProblemsAndExitCodes) {
       {"dump " + d + "none.mnu", 1, "none.mnu: no such menu file"},
       {"from-json " + d + "bad.json " + d + "out.mnu", 1, "items[0].hotKey: must be a whole number"},
       {"from-json " + d + "broken.json " + d + "out.mnu", 1, "line 1, column 12: the document ends too early"},
-      {"from-json " + d + "none.json " + d + "out.mnu", 1, "none.json: cannot be read"},
+      {"from-json " + d + "none.json " + d + "out.mnu", 1, "none.json: cannot be read (No such file or directory)"},
+      {"from-json " + d + "lead.json " + d + "out.mnu", 1, "line 1, column 26: not UTF-8 (byte 0xFF"},
+      {"from-json " + d + "continuation.json " + d + "out.mnu", 1, "column 26: not UTF-8 (byte 0xC3"},
+      {"from-json " + d + "cut.json " + d + "out.mnu", 1, "column 26: not UTF-8 (byte 0xE2"},
+      {"from-json " + d + "overlong.json " + d + "out.mnu", 1, "column 26: not UTF-8 (byte 0xC0"},
+      {"from-json " + d + "surrogate.json " + d + "out.mnu", 1, "column 26: not UTF-8 (byte 0xED"},
+      {"from-json " + d + "above.json " + d + "out.mnu", 1, "column 26: not UTF-8 (byte 0xF4"},
+      {"from-json " + d + "high.json " + d + "out.mnu", 1, "high surrogate without its low surrogate"},
+      {"from-json " + d + "low.json " + d + "out.mnu", 1, "lone low surrogate"},
+      {"from-json " + d + "unpaired.json " + d + "out.mnu", 1, "high surrogate without its low surrogate"},
       {"from-json " + d + " " + d + "out.mnu", 1, d + ": cannot be read"},  // a folder
       {"format-key 12x", 2, "12x is not a code"},
       {"format-key 0x80000041", 1, "not a hot-key code that a menu can hold"},
@@ -152,7 +175,7 @@ TEST(Nxmenu, DeepMenusRoundTrip) {
   const struct {
     const char* json;
     const char* message;
-  } refused[] = {{"too-deep.json", "deeper than 32,768 levels"},
+  } refused[] = {{"too-deep.json", "cannot be written (The menu has more than 32,768 levels.)"},
                  {"nested.json", "items[0]: an item must be an object"}};
   for (const auto& c : refused) {
     CliRun run = Nxmenu("from-json " + d + c.json + " " + d + "refused.mnu");
@@ -195,28 +218,38 @@ TEST(Nxmenu, FilesNotInTheWritersFormAreNamedInAWarning) {
   EXPECT_NE(Nxmenu("to-json --help").out.find("one-line warning naming the file"), std::string::npos);
 }
 
-// The braille codes that cannot be written are a failed write too, reported
-// in one line that names the profile.
-TEST(Nxmenu, FromJsonReportsLostBrailleCodes) {
+// Every failed write says why in one line; a profile that is there but
+// cannot be read stops the write before anything is written.
+TEST(Nxmenu, FromJsonSaysWhyAWriteFailed) {
   test::TempFolder dir;
   const std::string d = dir.Fs().string() + "/";
   dir.Write(L"braille.json", R"({"items": [{"caption": "A", "action": "Beep", "hotKey": 1073741829}]})");
+  std::filesystem::create_directory(dir.Fs() / "folder.ini");
   const struct {
-    std::string braille;
+    std::string menu, braille;
     int status;
     std::string message;
   } cases[] = {
-      {d + "Focus 40.ini", 0, ""},
-      {d + "no folder/Focus 40.ini", 1,
-       "nxmenu: " + d + "no folder/Focus 40.ini: the braille codes could not be written"},
+      {"out.mnu", "Focus 40.ini", 0, ""},
+      {"out.mnu", "no folder/Focus 40.ini", 1,
+       "nxmenu: " + d +
+           "no folder/Focus 40.ini: the braille codes could not be written into section Actions (No "
+           "such file or directory); " +
+           d + "out.mnu was written without them"},
+      {"second.mnu", "folder.ini", 1,
+       "nxmenu: " + d + "folder.ini: cannot be read (Is a directory); nothing was written, neither it nor " + d +
+           "second.mnu"},
+      {"no folder/out.mnu", "Focus 40.ini", 1,
+       "nxmenu: " + d + "no folder/out.mnu: cannot be written (No such file or directory); the old file is unchanged"},
   };
   for (const auto& c : cases) {
-    CliRun run = Nxmenu("from-json " + d + "braille.json " + d + "out.mnu --braille " + Q(c.braille));
+    CliRun run = Nxmenu("from-json " + d + "braille.json " + Q(d + c.menu) + " --braille " + Q(d + c.braille));
     EXPECT_EQ(run.status, c.status) << run.out;
     EXPECT_EQ(run.out.find(c.message), 0u) << run.out;
     EXPECT_EQ(std::count(run.out.begin(), run.out.end(), '\n'), c.status) << run.out;
   }
   EXPECT_EQ(dir.Read(L"Focus 40.ini"), "[Actions]\r\nBeep=5\r\n");
+  EXPECT_FALSE(std::filesystem::exists(dir.Fs() / "second.mnu"));
 }
 
 TEST(Nxmenu, ExportHelpRewritesOnlyTheMarkedSection) {
@@ -239,14 +272,16 @@ TEST(Nxmenu, ExportHelpRewritesOnlyTheMarkedSection) {
   ASSERT_EQ(Nxmenu("export-help " + root + " --display 'Focus 40'").status, 0);
   EXPECT_EQ(test::TempFolder::ReadPath(page), once);
 
-  dir.Write(L"help\\narrix\\hotkey.htm", "<p>no markers</p>\n");
+  // A page without a start marker is left as it is, line breaks and all.
+  dir.Write(L"help\\narrix\\hotkey.htm", "<p>no markers</p>\n<p>here</p>");
   run = Nxmenu("export-help " + root);
   EXPECT_EQ(run.status, 1);
-  EXPECT_NE(run.out.find("no '<!-- app hotkey start -->' line"), std::string::npos) << run.out;
+  EXPECT_NE(run.out.find("no '<!-- app hotkey start -->' line; the page is unchanged"), std::string::npos) << run.out;
+  EXPECT_EQ(test::TempFolder::ReadPath(page), "<p>no markers</p>\n<p>here</p>");
   std::filesystem::remove(page);
   run = Nxmenu("export-help " + root);
   EXPECT_EQ(run.status, 1);
-  EXPECT_NE(run.out.find("no such help page"), std::string::npos) << run.out;
+  EXPECT_NE(run.out.find("cannot be read (No such file or directory)"), std::string::npos) << run.out;
   EXPECT_FALSE(std::filesystem::exists(page));
 }
 
@@ -257,9 +292,23 @@ TEST(Nxmenu, CodePages) {
   ASSERT_EQ(Nxmenu("from-json " + d + "cz.json " + d + "cz.mnu --codepage 1250").status, 0);
   EXPECT_NE(dir.Read(L"cz.mnu").find("\x8Elu\x9Dou\xE8k\xFD k\xF9\xF2"), std::string::npos);
   EXPECT_NE(Nxmenu("dump " + d + "cz.mnu --codepage 1250").out.find("Žluťoučký kůň"), std::string::npos);
-  // In 1252 the Czech letters that code page lacks cannot be stored.
-  ASSERT_EQ(Nxmenu("from-json " + d + "cz.json " + d + "west.mnu --codepage 1252").status, 0);
-  EXPECT_NE(Nxmenu("dump " + d + "west.mnu").out.find("Žlu?ou?ký k??"), std::string::npos);
+  // A letter the code page lacks is refused, naming the item and the letter,
+  // and nothing is written.
+  dir.Write(L"action.json", R"({"items": [{"caption": "Tools", "items": [{"caption": "Read", "action": "Přečti"}]}]})");
+  const struct {
+    const char* json;
+    std::string message;
+  } refused[] = {
+      {"cz.json", R"(items[0] "Žluťoučký kůň": the caption holds "ť" (U+0165), which code page 1252 cannot store)"},
+      {"action.json", R"(items[0].items[0] "Read": the action holds "ř" (U+0159), which code page 1252 cannot store)"},
+  };
+  for (const auto& c : refused) {
+    CliRun run = Nxmenu("from-json " + d + c.json + " " + d + "west.mnu --codepage 1252");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "nxmenu: " + d + c.json + ": not a menu: " + c.message + "\n");
+  }
+  EXPECT_FALSE(std::filesystem::exists(dir.Fs() / "west.mnu"));
+  ASSERT_EQ(Nxmenu("from-json " + d + "action.json " + d + "west.mnu --codepage 1250").status, 0);
 }
 
 }  // namespace

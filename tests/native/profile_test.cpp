@@ -132,8 +132,61 @@ TEST_F(ProfileTest, KeepsTheEncodingOfTheFile) {
   EXPECT_EQ(czech.GetString(L"TLAČÍTKA", L"KLÍČ", L"", dir_.Path(L"ansi.ini")), L"žluť");
 }
 
-TEST_F(ProfileTest, FailedWriteLeavesTheFileAlone) {
-  EXPECT_FALSE(profile_.WriteString(L"s", L"k", L"v", dir_.Path(L"no such folder\\x.ini")));
+// Many keys written at once leave the file as writing them one by one does,
+// keys that do not read back as themselves (with "=", as a header, with a
+// line break, outside the code page) included.
+TEST_F(ProfileTest, ManyKeysAtOnceAsOneByOne) {
+  const std::string files[] = {
+      "",
+      "[KeyMap]\r\n1=Dot 1\r\n; comment\r\n\r\n[Actions]\r\n  Old =  3 \r\nbare\r\n\r\n\r\n[Other]\r\nx=1",
+      "[actions]\nOld=1\n[Actions]\nNew=2\n",  // the first header counts
+      "[Actions]\r\nOld=1",
+      "\xEF\xBB\xBF[Actions]\r\nKl\xC3\xAD\xC4\x8D=1\r\n",
+  };
+  const std::vector<std::pair<std::wstring, std::wstring>> batches[] = {
+      {{L"Old", L"A"}, {L"New", L"B"}, {L"new", L"C"}, {L" bare ", L"D"}, {L"Next", L"E"}, {L"klíč", L"F"}},
+      {{L"a=b", L"1"},
+       {L"a", L"2"},
+       {L"[x]y", L"3"},
+       {L"New", L"4"},
+       {L"line\r\nbreak", L"5"},
+       {L"ř", L"6"},
+       {L"ž", L"7"}},
+  };
+  for (const auto& file : files) {
+    for (const auto& batch : batches) {
+      dir_.Write(L"one.ini", file);
+      for (const auto& [key, value] : batch)
+        ASSERT_TRUE(profile_.WriteString(L"Actions", key, value, dir_.Path(L"one.ini")));
+      ProfileDocument document = ProfileDocument::Parse(file, codePage_);
+      ASSERT_TRUE(document.WriteKeys(L"Actions", batch));
+      EXPECT_EQ(document.Serialize(), dir_.Read(L"one.ini")) << file << " + " << WideToUtf8(batch[0].first);
+    }
+  }
+}
+
+// A missing file reads as empty; one that is there but cannot be read is
+// never written over.
+TEST_F(ProfileTest, FilesThatCannotBeReadOrWritten) {
+  std::filesystem::create_directory(dir_.Fs() / "folder.ini");
+  const struct {
+    std::wstring file;
+    bool loads, missing;
+    const wchar_t* reason;
+    bool writes;
+  } cases[] = {
+      {dir_.Path(L"none.ini"), true, true, L"No such file or directory", true},
+      {dir_.Path(L"no such folder\\x.ini"), true, true, L"No such file or directory", false},
+      {dir_.Path(L"folder.ini"), false, false, L"Is a directory", false},
+  };
+  for (const auto& c : cases) {
+    ProfileDocument document(codePage_);
+    ReadFailure failure;
+    EXPECT_EQ(profile_.Load(c.file, document, &failure), c.loads);
+    EXPECT_EQ(failure.missing, c.missing);
+    EXPECT_EQ(failure.reason, c.reason);
+    EXPECT_EQ(profile_.WriteString(L"s", L"k", L"v", c.file), c.writes);
+  }
   EXPECT_FALSE(profile_.WriteString(L"s", L"k", L"v", L""));
 }
 

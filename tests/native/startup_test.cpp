@@ -208,6 +208,7 @@ TEST(StringTable, EveryIdInBothLanguages) {
                           {630, 636},
                           {640, 648},  // ours: preview, damaged file, failed save, moving, the wizard's extras
                           {650, 669},  // ours: the folder buttons, their messages, the editor's refusals
+                          {670, 674},  // ours: what a menu file cannot hold
                           {700, 715},
                           {717, 726},  // 726: ours, a character the code page lacks
                           {1050, 1050},

@@ -35,6 +35,35 @@ TEST(Text, Utf8RoundTrip) {
   EXPECT_EQ(Utf8ToWide(WideToUtf8(text)), text);
 }
 
+// Only well-formed UTF-8 is taken strictly: the first byte of the first
+// sequence that is not is found.
+TEST(Text, StrictUtf8) {
+  const struct {
+    std::string text;
+    std::optional<size_t> bad;
+  } cases[] = {
+      {"plain \xC5\x99 \xE2\x82\xAC \xF0\x9F\x98\x80 \xF4\x8F\xBF\xBF", std::nullopt},
+      {"a\xFF"
+       "b",
+       1},                      // never a lead byte
+      {"a\x80", 1},             // a continuation byte alone
+      {"\xC3(", 0},             // a bad continuation
+      {"ab\xE2\x82", 2},        // cut short
+      {"\xC0\xAF", 0},          // overlong: "/"
+      {"\xE0\x80\xAF", 0},      // overlong in three bytes
+      {"\xF0\x8F\xBF\xBF", 0},  // overlong in four bytes
+      {"x\xED\xA0\x80", 1},     // an encoded surrogate
+      {"\xF4\x90\x80\x80", 0},  // above U+10FFFF
+      {"\xF5\x80\x80\x80", 0},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(FirstInvalidUtf8(c.text), c.bad) << c.text;
+    EXPECT_EQ(Utf8ToWideStrict(c.text).has_value(), !c.bad) << c.text;
+  }
+  EXPECT_EQ(Utf8ToWideStrict("\xC5\x99\xF0\x9F\x98\x80"), std::optional<std::wstring>(L"ř\U0001F600"));
+  EXPECT_EQ(DescribeCharacter(L"kůň", 1), L"\"ů\" (U+016F)");
+}
+
 TEST(Text, ReplaceAllIsOnePass) {
   EXPECT_EQ(ReplaceAll(L"Menu - %1", L"%1", L"%1%1"), L"Menu - %1%1");
   EXPECT_EQ(ReplaceAll(L"%1 and %1", L"%1", L"x"), L"x and x");

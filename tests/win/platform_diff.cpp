@@ -1,5 +1,6 @@
 // Runs the portable implementations beside the Windows ones on the same
-// input and reports every difference: profile reads (also after writes),
+// input and reports every difference: profile reads (also after writes, and
+// a batch of keys written at once against Windows' writes one by one),
 // the built-in code pages, and the compiled string tables.
 // Usage: platform_diff WORK_FOLDER
 #include <windows.h>
@@ -164,6 +165,66 @@ void ProfileWrites(const std::wstring& work) {
         "a written file reads back");
 }
 
+// A save writes all its braille codes into the profile at once: the file
+// must come out as Windows' own writes of the same codes one by one leave it.
+// Wine writes a whole profile back in a layout of its own (no blank lines, no
+// blanks around "="), so the bytes are compared on files already in that
+// layout, and what reads back on files in any other.
+void ProfileBatchWrites(const std::wstring& work) {
+  const std::vector<std::pair<std::wstring, std::wstring>> codes = {
+      {L"SayLine", L"4000"},
+      {L"Beep", L"12A"},
+      {L"New one", L"1"},
+      {L"N\u00e1zev \u00e9", L"7"},
+      {L"shell(wscript.exe \"$(appsetdir)\\a.vbs\")", L"F"},
+      {L"New one", L"2"}};
+  const struct {
+    const char* start;  // null: no file yet
+    bool sameLayout;
+  } files[] = {
+      {nullptr, true},
+      {"", true},
+      {";Focus 40\r\n[KeyMap]\r\n1=Dot 1\r\n2=Dot 2\r\nCursorStatus=Routing %1\r\n[Actions]\r\nSayLine=3\r\nBeep=5\r\n"
+       "[Other]\r\nk=v\r\n",
+       true},
+      {"[KeyMap]\r\n1=Dot 1", true},
+      {"; Focus 40\r\n[KeyMap]\r\n1 = Dot 1\r\n\t2=Dot 2\r\n\r\n[Actions]\r\n  SayLine =  3 "
+       "\r\nbeep=5\r\n\r\n\r\n[Other]\r\n"
+       "k=v",
+       false},
+  };
+  nx::Win32Profile win;
+  nx::PortableProfile portable(nx::SystemCodePage());
+  int index = 0;
+  for (const auto& file : files) {
+    const std::string label = "batch " + std::to_string(index);
+    const std::wstring a = work + L"\\batch-win" + std::to_wstring(index) + L".ini",
+                       b = work + L"\\batch-portable" + std::to_wstring(index++) + L".ini";
+    DeleteFileW(a.c_str());
+    DeleteFileW(b.c_str());
+    if (file.start) {
+      nx::WriteFileBytes(a, file.start);
+      nx::WriteFileBytes(b, file.start);
+    }
+    bool written = true;
+    for (const auto& [key, value] : codes) written = win.WriteString(L"Actions", key, value, a) && written;
+    nx::ProfileDocument document(nx::SystemCodePage());
+    written =
+        portable.Load(b, document) && document.WriteKeys(L"Actions", codes) && portable.Save(b, document) && written;
+    Check(written, label + " written");
+    std::string bytesA, bytesB;
+    nx::ReadFileBytes(a, bytesA);
+    nx::ReadFileBytes(b, bytesB);
+    if (file.sameLayout) Check(bytesA == bytesB, label + ": Windows \"" + bytesA + "\", portable \"" + bytesB + "\"");
+    for (const wchar_t* key : {L"SayLine", L"Beep", L"New one", L"N\u00e1zev \u00e9", L"1", L"2", L"k"})
+      for (const wchar_t* section : {L"Actions", L"KeyMap", L"Other"}) {
+        const std::wstring x = win.GetString(section, key, L"d", a), y = portable.GetString(section, key, L"d", b);
+        Check(x == y, label + " [" + nx::WideToUtf8(section) + "] " + nx::WideToUtf8(key) + ": Windows " + Show(x) +
+                          ", portable " + Show(y));
+      }
+  }
+}
+
 void CodePages() {
   for (unsigned id : {1250u, 1252u}) {
     nx::BuiltinCodePage builtin(id);
@@ -283,6 +344,7 @@ int wmain(int argc, wchar_t** argv) {
   const std::wstring work = argv[1];
   ProfileReads(work);
   ProfileWrites(work);
+  ProfileBatchWrites(work);
   CodePages();
   StringTables();
   NativeMenus();
