@@ -238,6 +238,9 @@ bool WriteFileBytes(const std::wstring& path, const std::string& bytes, std::wst
   const std::filesystem::path target = ToFsPath(path);
   struct stat old;
   const bool existed = lstat(target.c_str(), &old) == 0 && S_ISREG(old.st_mode);
+  // A file marked read-only stays as it is, as on Windows, although the
+  // folder would let it be replaced.
+  if (existed && (old.st_mode & 0222) == 0) return fail(EACCES, "");
   std::string temp;
   int file = -1;
   for (unsigned attempt = 0; file < 0; ++attempt) {

@@ -362,6 +362,9 @@ TEST_F(MenuFilesOnDiskTest, AFailedSaveNamesTheFileAndWhy) {
   std::filesystem::create_directory(dir_.Fs() / "folder");
   const std::wstring menu = dir_.Path(L"Command.mnu"), ini = dir_.Path(L"Focus 40.ini");
   const std::wstring noFolder = dir_.Path(L"no folder\\x"), folder = dir_.Path(L"folder");
+  const std::wstring readOnly = dir_.Path(L"read-only.mnu");
+  dir_.Write(L"read-only.mnu", oldMenu);
+  std::filesystem::permissions(dir_.Fs() / "read-only.mnu", std::filesystem::perms(0444));
   const struct {
     std::wstring menu, ini, unreadable;
     const cMenuItem& root;
@@ -371,6 +374,7 @@ TEST_F(MenuFilesOnDiskTest, AFailedSaveNamesTheFileAndWhy) {
       {menu, ini, L"", *empty, L"", L"", true, false},  // no braille code: the profile is not touched
       {noFolder, ini, L"", *root, noFolder, L"No such file or directory", false, false},
       {folder, ini, L"", *root, folder, L"Is a directory", false, false},
+      {readOnly, ini, L"", *root, readOnly, L"Permission denied", false, false},
       {menu, ini, ini, *root, ini, L"Input/output error", false, false},
       {menu, folder, L"", *root, folder, L"Is a directory", false, false},
       {menu, noFolder, L"", *plain, noFolder, L"No such file or directory", true, false},
@@ -399,7 +403,8 @@ TEST_F(MenuFilesOnDiskTest, AFailedSaveNamesTheFileAndWhy) {
   // No new file is left behind by any of it.
   size_t files = 0;
   for (const auto& entry : std::filesystem::directory_iterator(dir_.Fs())) files += entry.is_regular_file();
-  EXPECT_EQ(files, 2u);
+  EXPECT_EQ(files, 3u);
+  EXPECT_EQ(dir_.Read(L"read-only.mnu"), oldMenu);
 }
 
 // Two saves of different menus to one file at once, many times: a reader
