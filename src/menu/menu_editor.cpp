@@ -233,8 +233,10 @@ bool fMenuDef::Save() {
   // A damaged original is kept before anything is written over it.
   if (damaged_ && !backedUp_) {
     std::string bytes;
-    if (PathExists(path) && (!ReadFileBytes(path, bytes) || !WriteFileBytes(path + L".bak", bytes))) {
-      Tell(NotSavedText(path, LoadResText(kBackupFailed, path + L".bak")));
+    ReadFailure unread;
+    std::wstring reason;
+    if (PathExists(path) && (!ReadFileBytes(path, bytes, &unread) || !WriteFileBytes(path + L".bak", bytes, &reason))) {
+      Tell(NotSavedText(path, LoadResText(kBackupFailed, path + L".bak") + L" " + unread.reason + reason));
       return false;
     }
     backedUp_ = true;

@@ -419,7 +419,7 @@ TEST_F(MenuEditorTest, DamagedFileIsReportedAndKept) {
   editor_.cmdApply_Click();
   EXPECT_EQ(prompts_.asked.back().text, L"The menu could not be saved to " + MenuFile() +
                                             L".\r\nThe damaged original could not be kept as " + MenuFile() +
-                                            L".bak.\r\nThe file was not changed.");
+                                            L".bak. Is a directory\r\nThe file was not changed.");
   EXPECT_EQ(dir_.Read(L"Set\\notepad\\Command.mnu"), bytes.substr(0, bytes.size() - 3));
   std::filesystem::remove(dir_.Fs() / "Set" / "notepad" / "Command.mnu.bak");
   editor_.cmdApply_Click();
