@@ -24,25 +24,6 @@ int32_t StatusCode(int32_t button, uint32_t family) {
   return static_cast<int32_t>(kStatusButton | (family << 16) | (static_cast<uint32_t>(button) & 0xFFFFu));
 }
 
-// The character at `at` as a screen reader can name it: itself, quoted, and
-// its code point. `length` is 2 for a surrogate pair.
-std::wstring NameOfCharacter(const std::wstring& text, size_t at, size_t& length) {
-  uint32_t c = static_cast<uint32_t>(text[at]);
-  length = 1;
-  if (c >= 0xD800 && c < 0xDC00 && at + 1 < text.size()) {
-    const uint32_t low = static_cast<uint32_t>(text[at + 1]);
-    if (low >= 0xDC00 && low < 0xE000) {
-      c = 0x10000 + ((c - 0xD800) << 10) + (low - 0xDC00);
-      length = 2;
-    }
-  }
-  int shift = 12;  // at least four digits
-  while (shift < 28 && (c >> (shift + 4)) != 0) shift += 4;
-  std::wstring hex;
-  for (; shift >= 0; shift -= 4) hex += L"0123456789ABCDEF"[(c >> shift) & 0xF];
-  return L"\"" + text.substr(at, length) + L"\" (U+" + hex + L")";
-}
-
 }  // namespace
 
 fWizard::fWizard(IWizardView& view, IPrompts& prompts, IProcesses& processes, cNarrixInfo& info, cDefServer& defs,
@@ -266,10 +247,11 @@ void fWizard::txtScriptPath_Change(const std::wstring& text) {
 bool fWizard::Storable(WizardField field, const std::wstring& text) {
   const std::optional<size_t> at = codePage_.FirstUnencodable(text);
   if (!at) return true;
-  size_t length = 1;
-  const std::wstring name = NameOfCharacter(text, *at, length);
-  prompts_.Message(LoadResText(kUnstorable, name), mb::kOkOnly | mb::kIconExclamation, LoadResText(kProductTitle));
-  view_.SelectText(field, *at, length);
+  prompts_.Message(LoadResText(kUnstorable, DescribeCharacter(text, *at)), mb::kOkOnly | mb::kIconExclamation,
+                   LoadResText(kProductTitle));
+  // A character beyond the first 65,536 takes two places in the field.
+  const bool pair = *at + 1 < text.size() && text[*at] >= 0xD800 && text[*at] < 0xDC00;
+  view_.SelectText(field, *at, pair ? 2 : 1);
   return false;
 }
 
