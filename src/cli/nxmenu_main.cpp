@@ -49,7 +49,7 @@ const char kUsage[] =
     "(default: the system's ANSI code page on Windows, 1252 elsewhere). JSON and\n"
     "everything printed is UTF-8.\n"
     "Exit status: 0 success, 1 unusable input or problems found, 2 wrong usage.\n"
-    "'nxmenu COMMAND --help' tells more about one command.\n";
+    "'nxmenu COMMAND --help' tells more about one command; 'nxmenu --version' the version.\n";
 
 const std::map<std::string, std::string> kCommandHelp = {
     {"dump",
