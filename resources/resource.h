@@ -3,7 +3,6 @@
 #pragma once
 
 #define IDD_APPSELECT 1000
-#define IDC_FRM_APPLIST 1001
 #define IDC_LBL_APPLIST 1002
 #define IDC_LST_APPLICATION 1003
 #define IDC_CMD_RENAME 1004

@@ -256,7 +256,9 @@ bool WriteFileBytes(const std::wstring& path, const std::string& bytes, std::wst
   // The old file's owner and permissions go to the new one (the owner only
   // where the system lets this process give it).
   if (existed) {
-    if ((old.st_uid != geteuid() || old.st_gid != getegid()) && fchown(file, old.st_uid, old.st_gid) != 0) {
+    if (old.st_uid != geteuid() || old.st_gid != getegid()) {
+      const int refused = fchown(file, old.st_uid, old.st_gid);  // a failure only leaves this process the owner
+      static_cast<void>(refused);
     }
     if (fchmod(file, old.st_mode & 07777) != 0) return failClosing(errno);
   }

@@ -238,25 +238,11 @@ std::wstring ProfileDocument::GetString(const std::wstring& section, const std::
 
 namespace {
 
-// UpperChar, with plain ASCII on the spot.
-inline wchar_t Folded(wchar_t c) {
-  if (static_cast<unsigned>(c) >= 0x80) return UpperChar(c);
-  return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - 32) : c;
-}
-
 // The hash of a key as the profile calls compare keys: letter case aside.
 uint32_t NoCaseHash(std::wstring_view key) {
   uint32_t hash = 2166136261u;  // FNV-1a
-  for (wchar_t c : key) hash = (hash ^ static_cast<uint32_t>(Folded(c))) * 16777619u;
+  for (wchar_t c : key) hash = (hash ^ static_cast<uint32_t>(UpperChar(c))) * 16777619u;
   return hash;
-}
-
-bool EqualNoCase(std::wstring_view a, std::wstring_view b) {
-  if (a.size() != b.size()) return false;
-  if (a == b) return true;  // mostly spelt alike
-  for (size_t i = 0; i < a.size(); ++i)
-    if (Folded(a[i]) != Folded(b[i])) return false;
-  return true;
 }
 
 }  // namespace
@@ -266,7 +252,7 @@ uint64_t* ProfileDocument::Section::Index::Find(std::wstring_view key, uint32_t 
   for (size_t i = hash & mask;; i = (i + 1) & mask) {
     uint64_t& slot = slots[i];
     if (!slot) return &slot;
-    if (static_cast<uint32_t>(slot >> 32) == hash && EqualNoCase(entries[(slot & 0xFFFFFFFFu) - 1].key, key))
+    if (static_cast<uint32_t>(slot >> 32) == hash && EqualsNoCase(entries[(slot & 0xFFFFFFFFu) - 1].key, key))
       return &slot;
   }
 }

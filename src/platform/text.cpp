@@ -124,9 +124,8 @@ std::string WideToUtf8(std::wstring_view s) {
   return out;
 }
 
-wchar_t UpperChar(wchar_t c) {
+wchar_t UpperCharBeyondAscii(wchar_t c) {
   const unsigned u = static_cast<unsigned>(c);
-  if (u >= 'a' && u <= 'z') return static_cast<wchar_t>(u - 32);
   if (u < 0xB5) return c;
   if (u == 0xB5) return static_cast<wchar_t>(0x39C);
   if (u >= 0xE0 && u <= 0xFE && u != 0xF7) return static_cast<wchar_t>(u - 32);
@@ -144,13 +143,7 @@ wchar_t UpperChar(wchar_t c) {
 
 std::wstring UpperCase(std::wstring_view text) {
   std::wstring out(text);
-  for (auto& c : out) {
-    const unsigned u = static_cast<unsigned>(c);
-    if (u >= 'a' && u <= 'z')
-      c = static_cast<wchar_t>(u - 32);
-    else if (u >= 0x80)
-      c = UpperChar(c);
-  }
+  for (auto& c : out) c = UpperChar(c);
   return out;
 }
 
@@ -176,6 +169,7 @@ std::wstring LowerCase(std::wstring_view text) {
 
 bool EqualsNoCase(std::wstring_view a, std::wstring_view b) {
   if (a.size() != b.size()) return false;
+  if (a == b) return true;  // mostly spelt alike
   for (size_t i = 0; i < a.size(); ++i)
     if (UpperChar(a[i]) != UpperChar(b[i])) return false;
   return true;

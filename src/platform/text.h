@@ -30,7 +30,12 @@ std::wstring DescribeCharacter(std::wstring_view text, size_t at);
 // Upper-cases the way names are compared here: Latin, Czech, Slovak and the
 // rest of Latin-1 / Latin Extended-A, Greek and Cyrillic; other characters
 // stay as they are.
-wchar_t UpperChar(wchar_t c);
+wchar_t UpperCharBeyondAscii(wchar_t c);
+inline wchar_t UpperChar(wchar_t c) {
+  // Plain ASCII, most of what is compared, without a call.
+  if (static_cast<unsigned>(c) < 0x80) return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - 32) : c;
+  return UpperCharBeyondAscii(c);
+}
 std::wstring UpperCase(std::wstring_view text);
 wchar_t LowerChar(wchar_t c);
 std::wstring LowerCase(std::wstring_view text);
