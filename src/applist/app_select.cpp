@@ -4,9 +4,10 @@
 #include "applist/help_page.h"
 #include "platform/folders.h"
 #include "platform/text.h"
+#include "platform/keys.h"
 #include "startup/command_line.h"
 #include "startup/file_helpers.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 
 namespace nx {
 namespace {
@@ -16,7 +17,6 @@ constexpr int kCancel = 101, kBadInstallation = 1050, kProductTitle = 2053;
 constexpr int kNewNameLabel = 650, kNameEmpty = 651, kNameBadCharacter = 652, kNameDots = 653, kNameReserved = 654;
 constexpr int kNameTaken = 655, kGeneralFixed = 656, kRename = 657, kRemove = 658, kAddVersion = 659, kExport = 660;
 constexpr int kNothingRenamed = 664, kNoMenuCreated = 665, kFileInTheWay = 668, kNotCreated = 669;
-constexpr int kDeleteKey = 46;
 
 // The screen reader's own fixed Czech texts for these buttons.
 constexpr wchar_t kRenameTitle[] = L"P\u0159ejmenovat";
@@ -27,9 +27,9 @@ constexpr wchar_t kHelpUpdated[] = L"N\u00e1pov\u011bda aktualizov\u00e1na v sou
 
 }  // namespace
 
-fAppSelect::fAppSelect(IAppSelectView& view, IPrompts& prompts, cNarrixInfo& info, IMenuEditorEntry* editor,
-                       AppListPorts ports)
-    : view_(view), prompts_(prompts), info_(info), editor_(editor), ports_(ports) {}
+fAppSelect::fAppSelect(IAppSelectView& view, IPrompts& prompts, EditSession& session, cNarrixInfo& info,
+                       IMenuEditorEntry* editor, AppListPorts ports)
+    : view_(view), prompts_(prompts), session_(session), info_(info), editor_(editor), ports_(ports) {}
 
 void fAppSelect::Form_Load(void* form) {
   SetCaptions();
@@ -79,9 +79,9 @@ void fAppSelect::SelectAppByCommand(const std::wstring& arguments) {
   for (int pass = 0; pass < 2; ++pass) {
     if (!FillAppList(info_.DirSet())) return;
     const CommandLineRequest request = ParseCommandLine(arguments);
-    if (request.displayName) gCmdDisplayName = *request.displayName;
+    if (request.displayName) session_.gCmdDisplayName = *request.displayName;
     // Without an application the script waits for the first menu opened.
-    if (request.scriptPath) gCmdScriptPath = *request.scriptPath;
+    if (request.scriptPath) session_.gCmdScriptPath = *request.scriptPath;
     if (request.appName.empty()) return;
 
     const int index = FindEntry(request.appName);
@@ -246,7 +246,7 @@ void fAppSelect::cmdExport_Click() {
     const std::wstring name = view_.ListEntry(i);
     text += editor_->ListDefs(info_.DirSet(), name, name == general);
   }
-  const std::wstring page = HelpPagePath(info_);
+  const std::wstring page = HelpPagePath(info_.DirVelkor());
   const HelpPageResult result = UpdateHelpPage(page, text, *ports_.codePage);
   if (result == HelpPageResult::Updated || result == HelpPageResult::NoStartMarker)
     Tell(kHelpUpdated + page, mb::kIconInformation);
@@ -254,7 +254,7 @@ void fAppSelect::cmdExport_Click() {
 }
 
 bool fAppSelect::Form_KeyDown(int key) {
-  if (key != kDeleteKey) return false;
+  if (key != vk::kDelete) return false;
   cmdRemoveApp_Click();
   return true;
 }

@@ -11,6 +11,7 @@
 #include "platform/folder_ops.h"
 #include "platform/prompts.h"
 #include "platform/running_apps.h"
+#include "startup/edit_session.h"
 #include "startup/narrix_info.h"
 
 namespace nx {
@@ -59,14 +60,15 @@ class fAppSelect {
  public:
   // All references must outlive this object; `editor` may be null while the
   // program has no editor to open.
-  fAppSelect(IAppSelectView& view, IPrompts& prompts, cNarrixInfo& info, IMenuEditorEntry* editor,
+  fAppSelect(IAppSelectView& view, IPrompts& prompts, EditSession& session, cNarrixInfo& info, IMenuEditorEntry* editor,
              AppListPorts ports = {});
 
   // Load handler: captions, the installation settings, the list. When the
   // settings folder cannot be opened the program ends here (Ended()).
   void Form_Load(void* form);
 
-  // Acts on the program's arguments: sets the display name and script path,
+  // Acts on the program's arguments: sets the session's display name and
+  // script path,
   // opens the named application's menu, or offers to create it when the
   // name can be a menu folder (a refused name is told and nothing made).
   void SelectAppByCommand(const std::wstring& arguments);
@@ -111,6 +113,7 @@ class fAppSelect {
 
   IAppSelectView& view_;
   IPrompts& prompts_;
+  EditSession& session_;
   cNarrixInfo& info_;
   IMenuEditorEntry* editor_;
   AppListPorts ports_;

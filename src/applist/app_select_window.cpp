@@ -5,8 +5,9 @@
 
 namespace nx {
 
-AppSelectWindow::AppSelectWindow(HINSTANCE instance, cNarrixInfo& info, IMenuEditorEntry* editor, AppListPorts ports)
-    : instance_(instance), logic_(*this, prompts_, info, editor, ports) {}
+AppSelectWindow::AppSelectWindow(HINSTANCE instance, EditSession& session, cNarrixInfo& info, IMenuEditorEntry* editor,
+                                 AppListPorts ports)
+    : instance_(instance), logic_(*this, prompts_, session, info, editor, ports) {}
 
 bool AppSelectWindow::Create() {
   loading_ = true;

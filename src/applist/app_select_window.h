@@ -12,7 +12,8 @@ namespace nx {
 class AppSelectWindow final : public IAppSelectView {
  public:
   // `ports` and `editor` must outlive the window.
-  AppSelectWindow(HINSTANCE instance, cNarrixInfo& info, IMenuEditorEntry* editor, AppListPorts ports = {});
+  AppSelectWindow(HINSTANCE instance, EditSession& session, cNarrixInfo& info, IMenuEditorEntry* editor,
+                  AppListPorts ports = {});
   AppSelectWindow(const AppSelectWindow&) = delete;
   AppSelectWindow& operator=(const AppSelectWindow&) = delete;
 

@@ -5,7 +5,7 @@
 
 namespace nx {
 
-std::wstring HelpPagePath(const cNarrixInfo& info) { return JoinPath(info.DirVelkor(), L"help\\narrix\\hotkey.htm"); }
+std::wstring HelpPagePath(const std::wstring& dirVelkor) { return JoinPath(dirVelkor, L"help\\narrix\\hotkey.htm"); }
 
 std::string ReplaceHelpSection(const std::string& page, const std::string& text) {
   std::string out;

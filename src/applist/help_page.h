@@ -5,15 +5,14 @@
 #include <string>
 
 #include "platform/code_page.h"
-#include "startup/narrix_info.h"
 
 namespace nx {
 
 inline constexpr char kHelpStartMarker[] = "<!-- app hotkey start -->";
 inline constexpr char kHelpEndMarker[] = "<!-- app hotkey end -->";
 
-// DirVelkor\help\narrix\hotkey.htm.
-std::wstring HelpPagePath(const cNarrixInfo& info);
+// The page in the installation folder `dirVelkor`: help\narrix\hotkey.htm.
+std::wstring HelpPagePath(const std::wstring& dirVelkor);
 
 // The page with the lines after a start-marker line and before the next
 // end-marker line replaced by `text`; both marker lines stay (a line that

@@ -2,7 +2,7 @@
 
 #include "braille/koral.h"
 #include "startup/settings.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 
 namespace nx {
 

@@ -1,7 +1,7 @@
 #include "braille/win32_busy_notice.h"
 
 #include "resource.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 
 namespace nx {
 

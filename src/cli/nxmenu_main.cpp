@@ -19,16 +19,15 @@
 #include "cli/menu_json.h"
 #include "defs/def_actions.h"
 #include "defs/def_text.h"
-#include "menu/menu_editor.h"
 #include "menu/menu_file.h"
-#include "menu/menu_listing.h"
+#include "menu/menu_help.h"
 #include "platform/list_order.h"
 #include "platform/code_page.h"
 #include "platform/folders.h"
 #include "platform/profile.h"
-#include "platform/registry.h"
-#include "startup/settings.h"
-#include "startup/string_table.h"
+#include "startup/file_helpers.h"
+#include "startup/narrix_info.h"
+#include "platform/string_table.h"
 #include "platform/text.h"
 
 namespace nx {
@@ -190,6 +189,7 @@ struct Tools {
   const ICodePage* page = nullptr;
   std::unique_ptr<PortableProfile> profile;
   std::unique_ptr<cDefActions> defs;
+  std::unique_ptr<cMenuFile> menus;
 
   bool Init(const Options& options, std::string& error) {
     ownPage = CodePageFor(options, error);
@@ -197,6 +197,7 @@ struct Tools {
     page = ownPage ? ownPage.get() : &SystemCodePage();
     profile = std::make_unique<PortableProfile>(*page);
     defs = std::make_unique<cDefActions>(*page, *profile);
+    menus = std::make_unique<cMenuFile>(*page, *profile);
     return true;
   }
 };
@@ -223,7 +224,7 @@ std::wstring SafeKeyText(cDefActions& defs, const std::wstring& keys, int32_t co
 // Reads a menu for dump and to-json; null after a message when unusable.
 MenuItemPtr ReadMenu(Tools& tools, const std::wstring& path, const std::wstring& braille, bool& complete) {
   if (!IsFolder(path) && PathExists(path)) {
-    MenuItemPtr root = tools.defs->InitCommandDef(path, braille, &complete);
+    MenuItemPtr root = tools.menus->InitCommandDef(path, braille, &complete);
     if (!root) Err("nxmenu: " + U8(path) + ": cannot be read\n");
     if (root && !complete)
       Err("nxmenu: " + U8(path) + ": the file is damaged; only the items before the damage were read\n");
@@ -278,13 +279,13 @@ int Dump(const std::vector<std::wstring>& argv, bool json) {
   Tools tools;
   if (!tools.Init(options, error)) return UsageError(command, error);
 
-  tools.defs->ItemCounter = 256;
+  tools.menus->ItemCounter = 256;
   if (options.values.count("--base")) {
     const std::wstring base = Value(options, "--base");
     wchar_t* end = nullptr;
     const long n = std::wcstol(base.c_str(), &end, 10);
     if (base.empty() || *end || n < 0 || n > 0x7FFFFFFF) return UsageError(command, "--base must be a whole number");
-    tools.defs->ItemCounter = static_cast<int32_t>(n);
+    tools.menus->ItemCounter = static_cast<int32_t>(n);
   }
   const std::wstring braille = Value(options, "--braille");
   if (!braille.empty()) tools.defs->InitBrailleKeyMap(braille);
@@ -337,7 +338,7 @@ int FromJson(const std::vector<std::wstring>& argv) {
   const std::wstring& menu = options.args[1];
   const std::wstring braille = Value(options, "--braille");
   WriteFailure failed;
-  if (!tools.defs->FlushCommand2Def(menu, braille, *root, &failed)) {
+  if (!tools.menus->FlushCommand2Def(menu, braille, *root, &failed)) {
     const std::string why = " (" + U8(failed.reason) + ")";
     if (failed.menuWritten)
       Err("nxmenu: " + U8(braille) + ": the braille codes could not be written into section Actions" + why + "; " +
@@ -368,8 +369,8 @@ int CheckMenu(Tools& tools, const std::wstring& path, const std::wstring& displa
   const std::wstring braille = displayName.empty() ? L"" : (ToFsPath(folder) / (displayName + L".ini")).wstring();
   const std::wstring keys = KeyTableFor(path);
   bool complete = true;
-  tools.defs->ItemCounter = 256;
-  MenuItemPtr root = tools.defs->InitCommandDef(path, braille, &complete);
+  tools.menus->ItemCounter = 256;
+  MenuItemPtr root = tools.menus->InitCommandDef(path, braille, &complete);
   const std::string name = U8(path);
   int problems = 0;
   if (!root || !complete) {
@@ -482,24 +483,20 @@ int ExportHelp(const std::vector<std::wstring>& argv) {
   if (options.args.size() != 1) return UsageError("export-help", "give the installation folder");
   Tools tools;
   if (!tools.Init(options, error)) return UsageError("export-help", error);
-  MemoryRegistry registry;
-  registry.WriteString(kProductKey, L"Path", options.args[0]);
-  cNarrixInfo info(registry, L"");
-  info.Inicialize(nullptr);
-  auto apps = ListSubfolders(info.DirSet());
+  const std::wstring& root = options.args[0];
+  const std::wstring dirSet = JoinPath(root, kSetFolder);
+  auto apps = ListSubfolders(dirSet);
   if (!apps) {
-    Err("nxmenu: " + U8(options.args[0]) + ": not an installation (no Set folder)\n");
+    Err("nxmenu: " + U8(root) + ": not an installation (no Set folder)\n");
     return 1;
   }
   // The application list's order: the general menu, then the folders as the list box sorts them.
   std::stable_sort(apps->begin(), apps->end(), ListOrderLess);
-  gBrailleName = Value(options, "--display");
-  cDefServer defs(*tools.page, *tools.profile, L"");
-  MenuListing listing(info, defs, *tools.profile);
-  const std::wstring general = LoadResText(504);
-  std::wstring text = listing.ListDefs(info.DirSet(), general, true);
-  for (const auto& app : *apps) text += listing.ListDefs(info.DirSet(), app, false);
-  const std::wstring page = HelpPagePath(info);
+  const std::wstring display = Value(options, "--display");
+  cDefServer defs(*tools.page, *tools.profile, dirSet + L"\\");
+  std::wstring text = MenuHelpSection(defs, {dirSet, LoadResText(504), display, true});
+  for (const auto& app : *apps) text += MenuHelpSection(defs, {dirSet, app, display, false});
+  const std::wstring page = HelpPagePath(root);
   std::wstring reason;
   switch (UpdateHelpPage(page, text, *tools.page, PageWithoutMarker::LeaveAlone, &reason)) {
     case HelpPageResult::Updated:

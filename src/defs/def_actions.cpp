@@ -3,16 +3,15 @@
 #include <stdexcept>
 
 #include "defs/def_text.h"
-#include "menu/menu_file.h"
+#include "defs/hot_key.h"
 #include "platform/folders.h"
 #include "platform/text.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 
 namespace nx {
 namespace {
 
 constexpr int kKeyWithoutName = 5025, kShift = 5026, kControl = 5027, kAlt = 5028, kBrailleFrame = 5029;
-constexpr int16_t kNarrixModifier = 0x2000;
 
 }  // namespace
 
@@ -71,7 +70,7 @@ void cDefActions::InitBrailleKeyMap(const std::wstring& path) {
 
 std::wstring cDefActions::ModifierText(int16_t mask, bool longNames) const {
   std::wstring text;
-  if (mask & kNarrixModifier) {
+  if (mask & hotkey::kNarrixKey) {
     text = L"Narrix";
     mask &= 0x1FFF;
   }
@@ -130,22 +129,22 @@ std::wstring cDefActions::GetKeyCodeAsText(const std::wstring& path, int16_t key
 }
 
 std::wstring cDefActions::GetKeyCodeAsTextEx(const std::wstring& path, int32_t& code) {
-  if (!(code & kBrailleBit)) {
+  if (!hotkey::IsBraille(code)) {
     const int32_t key = code % 65536, mask = code / 65536;
     if (key < -32768 || key > 32767 || mask < -32768 || mask > 32767)
       throw std::overflow_error("keyboard code does not fit 16 bits");
     return GetKeyCodeAsText(path, static_cast<int16_t>(key), static_cast<int16_t>(mask));
   }
-  code &= ~kBrailleBit;
+  code = static_cast<int32_t>(hotkey::WithoutBraille(code));
   std::wstring text;
-  if (!(static_cast<uint32_t>(code) & kDiscardBit)) {
+  if (!(static_cast<uint32_t>(code) & hotkey::kDiscardBit)) {
     for (int i = 0; i <= 30; ++i) {
       if (!(code & (1 << i))) continue;
       if (!text.empty()) text += L"+";
       text += brailleKeys_[static_cast<size_t>(i)];
     }
   } else {
-    code = static_cast<int32_t>(static_cast<uint32_t>(code) & ~kDiscardBit);
+    code = static_cast<int32_t>(static_cast<uint32_t>(code) & ~hotkey::kDiscardBit);
     const int32_t row = (code >> 16) & 0x3FFF, cell = code & 0xFFFF;
     if (cell >= 32767) throw std::overflow_error("status cell number overflow");
     const std::wstring number = std::to_wstring(cell + 1);
@@ -155,53 +154,6 @@ std::wstring cDefActions::GetKeyCodeAsTextEx(const std::wstring& path, int32_t& 
       text = ReplaceAll(brailleKeys_[32], L"%1", number);
   }
   return LoadResText(kBrailleFrame, text);
-}
-
-MenuItemPtr cDefActions::InitCommandDef(const std::wstring& menuPath, const std::wstring& braillePath, bool* complete) {
-  if (complete) *complete = true;
-  std::string bytes;
-  ReadFailure failure;
-  if (!ReadFileBytes(menuPath, bytes, &failure)) {
-    if (complete && !failure.missing) *complete = false;
-    return nullptr;
-  }
-  // The profile is read once for all the items; a missing or unreadable
-  // one gives every braille item the code 0.
-  ProfileDocument profile(codePage_);
-  if (!braillePath.empty()) profile_.Load(braillePath, profile);
-  const ProfileDocument::Section codes = profile.KeysOf(L"Actions");
-  MenuReadResult result = ParseMenu(
-      bytes, codePage_,
-      [&codes](const std::wstring& action) {
-        const std::wstring value = codes.GetString(action, L"");
-        return value.empty() ? 0 : ParseHex32(value).value_or(0);
-      },
-      ItemCounter);
-  if (complete) *complete = result.complete;
-  return result.root;
-}
-
-bool cDefActions::FlushCommand2Def(const std::wstring& menuPath, const std::wstring& braillePath, const cMenuItem& root,
-                                   WriteFailure* failure) {
-  auto fail = [failure](const std::wstring& file, std::wstring reason, bool menuWritten) {
-    if (failure) *failure = {file, std::move(reason), menuWritten};
-    return false;
-  };
-  std::vector<std::pair<std::wstring, std::wstring>> brailleCodes;
-  std::wstring reason;
-  auto bytes = SerializeMenu(
-      root, codePage_,
-      [&](const std::wstring& action, uint32_t code) { brailleCodes.emplace_back(action, HexText(code)); }, &reason);
-  if (!bytes) return fail(menuPath, reason, false);
-  const bool withCodes = !braillePath.empty() && !brailleCodes.empty();
-  ProfileDocument profile(codePage_);
-  ReadFailure unreadable;
-  if (withCodes && !profile_.Load(braillePath, profile, &unreadable))
-    return fail(braillePath, unreadable.reason, false);
-  if (!WriteFileBytes(menuPath, *bytes, &reason)) return fail(menuPath, reason, false);
-  if (!withCodes) return true;
-  profile.WriteKeys(L"Actions", brailleCodes);
-  return profile_.Save(braillePath, profile, &reason) || fail(braillePath, reason, true);
 }
 
 cDefServer::cDefServer(const ICodePage& codePage, IProfile& profile, std::wstring folder)

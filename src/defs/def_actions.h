@@ -1,6 +1,6 @@
 // cDefActions reads the screen reader's definition tables (key names,
-// commands, braille button names), turns hot-key codes into text, and reads
-// and writes menu files. cDefServer is the one shared way to it.
+// commands, braille button names) and turns hot-key codes into text.
+// cDefServer is the one shared way to it.
 #pragma once
 
 #include <array>
@@ -12,29 +12,15 @@
 #include <string>
 #include <vector>
 
-#include "menu/menu_item.h"
 #include "platform/code_page.h"
 #include "platform/folders.h"
 #include "platform/profile.h"
-#include "wizard/narrix_actions.h"
+#include "defs/narrix_actions.h"
 
 namespace nx {
 
-// A file that could not be written, and why: the system's own words (disk
-// full, access denied), or what the menu file cannot hold, in the user's
-// language. `menuWritten`: the menu file was written, only the braille codes
-// of `file` (the profile) were not.
-struct WriteFailure {
-  std::wstring file;
-  std::wstring reason;
-  bool menuWritten = false;
-};
-
 class cDefActions {
  public:
-  // The MenuId the menu reader gives the next item it reads.
-  int32_t ItemCounter = 0;
-
   // Both references must outlive this object.
   cDefActions(const ICodePage& codePage, IProfile& profile);
 
@@ -63,21 +49,6 @@ class cDefActions {
   // std::overflow_error for codes the model never holds.
   std::wstring GetKeyCodeAsTextEx(const std::wstring& path, int32_t& code);
 
-  // Reads a menu file; null when it does not exist. `complete` (optional)
-  // tells whether the whole file could be read. The braille codes come from
-  // section "Actions" of the profile, read once.
-  MenuItemPtr InitCommandDef(const std::wstring& menuPath, const std::wstring& braillePath, bool* complete = nullptr);
-  // Writes the menu below `root`, replacing the file only once the new one
-  // is whole, then the braille codes into section "Actions" of
-  // `braillePath` (when given), the profile read and replaced once. Nothing
-  // is written when the menu cannot be stored, or when the profile has codes
-  // to take but is there and cannot be read (it would lose what it holds).
-  // False on any failure, with `failure` (optional) naming the file that
-  // failed and why; when only the profile could not be written, the menu
-  // file is already written.
-  bool FlushCommand2Def(const std::wstring& menuPath, const std::wstring& braillePath, const cMenuItem& root,
-                        WriteFailure* failure = nullptr);
-
  private:
   std::wstring ModifierText(int16_t mask, bool longNames) const;
   std::wstring KeyName(const std::wstring& path, int16_t key);
@@ -105,6 +76,8 @@ class cDefServer {
   const std::wstring& Folder() const { return folder_; }
   std::wstring FormatKeycode(int16_t key, int16_t mask);
   std::wstring FormatKeycodeEx(int32_t& code);
+  const ICodePage& CodePage() const { return codePage_; }
+  IProfile& Profile() const { return profile_; }
 
  private:
   const ICodePage& codePage_;

@@ -3,17 +3,14 @@
 #include <stdexcept>
 
 #include "menu/edit/tree_commands.h"
+#include "menu/menu_help.h"
 #include "platform/folders.h"
+#include "platform/keys.h"
 #include "platform/text.h"
-#include "startup/command_line.h"
 #include "startup/file_helpers.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 
 namespace nx {
-
-std::wstring gMenuDir;
-std::wstring gAppName;
-std::wstring gBrailleName;
 
 namespace {
 
@@ -49,7 +46,7 @@ std::optional<int32_t> MenuIdOfKey(const std::wstring& key) {
 }
 
 fMenuDef::fMenuDef(IMenuEditorView& view, IPrompts& prompts, MenuEditorServices services)
-    : view_(view), prompts_(prompts), services_(std::move(services)) {}
+    : view_(view), prompts_(prompts), services_(std::move(services)), session_(services_.session) {}
 
 void fMenuDef::Form_Load() {
   view_.SetText(EditorText::TreeLabel, LoadResText(kTreeLabel));
@@ -78,15 +75,15 @@ void fMenuDef::Form_Load() {
   SetDirty(false);
 }
 
-std::wstring fMenuDef::MenuPath() const {
-  return general_ ? JoinPath(gMenuDir, L"Command.mnu") : JoinPath(JoinPath(gMenuDir, gAppName), L"Command.mnu");
+MenuLocation fMenuDef::Location() const {
+  return {session_.gMenuDir, session_.gAppName, session_.gBrailleName, general_};
 }
 
-std::wstring fMenuDef::BraillePath() const {
-  if (gBrailleName.empty()) return {};
-  const std::wstring file = gBrailleName + L".ini";
-  return general_ ? JoinPath(gMenuDir, file) : JoinPath(JoinPath(gMenuDir, gAppName), file);
-}
+std::wstring fMenuDef::MenuPath() const { return MenuFilePath(Location()); }
+
+std::wstring fMenuDef::BraillePath() const { return BrailleProfilePath(Location()); }
+
+cMenuFile fMenuDef::MenuFile() const { return cMenuFile(services_.defs.CodePage(), services_.profile); }
 
 std::wstring fMenuDef::HotKeyText(int32_t code) const {
   try {
@@ -102,25 +99,25 @@ void fMenuDef::SetDirty(bool dirty) {
 }
 
 void fMenuDef::CaptionRoot() {
-  if (root_) root_->Caption = general_ ? LoadResText(kGeneral) : LoadResText(kApplication, gAppName);
+  if (root_) root_->Caption = general_ ? LoadResText(kGeneral) : LoadResText(kApplication, session_.gAppName);
 }
 
 void fMenuDef::LoadDefs(const std::wstring& menuDir, const std::wstring& appName, bool general) {
   if (!services_.braille) {
-    if (gBrailleName.empty()) gBrailleName = gCmdDisplayName;
+    if (session_.gBrailleName.empty()) session_.gBrailleName = session_.gCmdDisplayName;
     if (services_.brailleOpener) services_.braille = services_.brailleOpener->OpenNew();
-    if (services_.braille && gBrailleName.empty() && services_.braille->isValid())
-      gBrailleName = services_.braille->BrailleDescription();
+    if (services_.braille && session_.gBrailleName.empty() && services_.braille->isValid())
+      session_.gBrailleName = services_.braille->BrailleDescription();
   }
   SetDirty(false);
-  gAppName = appName;
+  session_.gAppName = appName;
   view_.SetTitle(ReplaceAll(LoadResText(kTitle), L"%1", appName));
-  gMenuDir = menuDir;
+  session_.gMenuDir = menuDir;
   general_ = general;
-  cDefActions& defs = services_.defs.DefActions();
-  defs.ItemCounter = IdBase();
+  cMenuFile file = MenuFile();
+  file.ItemCounter = IdBase();
   bool complete = true;
-  root_ = defs.InitCommandDef(MenuPath(), BraillePath(), &complete);
+  root_ = file.InitCommandDef(MenuPath(), BraillePath(), &complete);
   // A tree control and a pop-up menu cannot hold a deeper menu: it is not
   // shown, and without a tree nothing can be written over the file.
   tooDeep_ = root_ && MenuLevels(*root_) > kMaxMenuLevels;
@@ -128,7 +125,7 @@ void fMenuDef::LoadDefs(const std::wstring& menuDir, const std::wstring& appName
   damaged_ = !complete && !tooDeep_;
   backedUp_ = false;
   CaptionRoot();
-  if (!gBrailleName.empty()) defs.InitBrailleKeyMap(BraillePath());
+  if (!session_.gBrailleName.empty()) services_.defs.DefActions().InitBrailleKeyMap(BraillePath());
   Redraw();
   if (root_) {
     view_.SelectNode(NodeKey(root_->MenuId));
@@ -247,7 +244,7 @@ bool fMenuDef::Save() {
     return true;
   }
   WriteFailure failed;
-  if (!services_.defs.DefActions().FlushCommand2Def(path, BraillePath(), *root_, &failed)) {
+  if (!MenuFile().FlushCommand2Def(path, BraillePath(), *root_, &failed)) {
     Tell(NotSavedText(failed.file, failed.reason));
     return false;
   }
@@ -292,49 +289,11 @@ void fMenuDef::mnuPreview_Click() {
 }
 
 std::wstring fMenuDef::ListDefs(const std::wstring& menuDir, const std::wstring& appName, bool general) {
-  gMenuDir = menuDir;
-  gAppName = appName;
-  SetDirty(false);
-  general_ = general;
-  cDefActions& defs = services_.defs.DefActions();
-  defs.ItemCounter = IdBase();
-  root_ = defs.InitCommandDef(MenuPath(), BraillePath());
-  CaptionRoot();
-  // Each application's buttons by the names of its own display profile, as
-  // the editor shows them, not the last opened menu's.
-  if (!gBrailleName.empty()) defs.InitBrailleKeyMap(BraillePath());
-  view_.ClearTree();
-  if (!root_) return {};
-  std::wstring text = L"\r\n";  // the root: no list entry of its own
-  size_t previous = 0;
-  WalkTree(
-      static_cast<const cMenuItem&>(*root_),
-      [&](const cMenuItem& item, size_t level, int) {
-        const size_t depth = level + 1;
-        if (depth > previous) text += L"<UL>";
-        std::wstring keyText = HotKeyText(item.HotKey);
-        if (!keyText.empty()) keyText = L" ( " + keyText + L" ) ";
-        std::wstring entry = item.Caption;
-        const std::wstring action = LowerCase(item.Action);
-        const wchar_t* tips = action.find(L"tipy") != std::wstring::npos   ? L"tipy"
-                              : action.find(L"tips") != std::wstring::npos ? L"tips"
-                                                                           : nullptr;
-        if (tips) entry = L"<A href=\"..\\..\\set\\" + appName + L"\\" + tips + L".txt\">" + item.Caption + L"</A>";
-        text += L"<LI>" + entry + keyText + L"</LI>\r\n";
-        return true;
-      },
-      [&](const cMenuItem&, size_t level) {
-        const size_t depth = level + 1;
-        if (depth < previous) text += L"</UL>";
-        previous = depth;
-      });
-  if (previous > 0) text += L"</UL>";
-  return L"<H3>" + appName + L"</H3>" + text;
+  return MenuHelpSection(services_.defs, {menuDir, appName, session_.gBrailleName, general});
 }
 
 bool fMenuDef::trvMenu_KeyDown(int key, int shift) {
-  constexpr int kShift = 1, kControl = 2, kAlt = 4;
-  if (key == 93 || (key == 121 && shift == kShift)) {
+  if (key == vk::kApps || (key == vk::kF10 && shift == vk::kShiftHeld)) {
     OpenContextMenu();
     return true;
   }
@@ -342,9 +301,10 @@ bool fMenuDef::trvMenu_KeyDown(int key, int shift) {
     int key, shift;
     EditorCommand command;
   } keys[] = {
-      {13, kAlt, EditorCommand::Edit},       {40, kShift, EditorCommand::MoveDown}, {38, kShift, EditorCommand::MoveUp},
-      {46, 0, EditorCommand::Delete},        {'C', kControl, EditorCommand::Copy},  {'X', kControl, EditorCommand::Cut},
-      {'V', kControl, EditorCommand::Paste}, {'N', kControl, EditorCommand::New},
+      {vk::kReturn, vk::kAltHeld, EditorCommand::Edit}, {vk::kDown, vk::kShiftHeld, EditorCommand::MoveDown},
+      {vk::kUp, vk::kShiftHeld, EditorCommand::MoveUp}, {vk::kDelete, 0, EditorCommand::Delete},
+      {'C', vk::kControlHeld, EditorCommand::Copy},     {'X', vk::kControlHeld, EditorCommand::Cut},
+      {'V', vk::kControlHeld, EditorCommand::Paste},    {'N', vk::kControlHeld, EditorCommand::New},
   };
   for (const auto& k : keys) {
     if (k.key == key && k.shift == shift) {

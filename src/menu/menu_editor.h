@@ -12,19 +12,15 @@
 
 #include "braille/braille_display.h"
 #include "defs/def_actions.h"
+#include "menu/menu_file.h"
 #include "menu/menu_item.h"
 #include "platform/native_menus.h"
 #include "platform/profile.h"
 #include "platform/prompts.h"
+#include "startup/edit_session.h"
 #include "startup/narrix_info.h"
 
 namespace nx {
-
-// Set by the last LoadDefs for the whole program: the menu folder, the
-// application and the braille display whose profile holds the braille keys.
-extern std::wstring gMenuDir;
-extern std::wstring gAppName;
-extern std::wstring gBrailleName;
 
 // The deepest menu the editor edits: 25 levels of items below the top node,
 // as deep as a pop-up menu, which is how the screen reader offers the menu,
@@ -93,6 +89,7 @@ class IItemWizard {
 
 // What the editor works with; everything must outlive the editor.
 struct MenuEditorServices {
+  EditSession& session;
   cNarrixInfo& info;
   cDefServer& defs;
   IProfile& profile;
@@ -119,8 +116,9 @@ class fMenuDef {
   // found by the last LoadDefs, once. Reported earlier, the box would stand
   // alone while the windows behind the editor still took input.
   void Form_Activate();
-  // The menu's items as HTML for the help page: "<H3>A</H3>" and the list,
-  // or "" when there is no menu.
+  // The menu's section of the help page (see RenderHelpSection), with the
+  // braille display of the session; "" when there is no menu. The editor's
+  // own menu is not changed.
   std::wstring ListDefs(const std::wstring& menuDir, const std::wstring& appName, bool general);
 
   // Writes the tree (or deletes the file when there is none; a file too deep
@@ -160,6 +158,8 @@ class fMenuDef {
   const MenuItemPtr& Root() const { return root_; }
 
  private:
+  MenuLocation Location() const;
+  cMenuFile MenuFile() const;
   std::wstring MenuPath() const;
   std::wstring BraillePath() const;
   int32_t IdBase() const { return general_ ? 128 : 256; }
@@ -189,6 +189,7 @@ class fMenuDef {
   IMenuEditorView& view_;
   IPrompts& prompts_;
   MenuEditorServices services_;
+  EditSession& session_;
   MenuItemPtr root_;
   bool general_ = false;
   bool dirty_ = false;

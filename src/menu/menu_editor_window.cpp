@@ -302,16 +302,4 @@ int MenuEditorWindow::TrackPreview(NativeMenu menu) {
 
 void MenuEditorWindow::Close() { PostMessageW(hwnd_, WM_CLOSE, 0, 0); }
 
-void MenuEditorLauncher::EditMenu(const std::wstring& dirSet, const std::wstring& appName, bool general) {
-  services_.defs.SetFolder(dirSet + L"\\");
-  MenuEditorWindow window(instance_, services_);
-  if (!window.Create(owner_)) return;
-  window.Logic().LoadDefs(dirSet, appName, general);
-  window.RunModal();
-}
-
-std::wstring MenuEditorLauncher::ListDefs(const std::wstring& dirSet, const std::wstring& appName, bool general) {
-  return MenuListing(services_.info, services_.defs, services_.profile).ListDefs(dirSet, appName, general);
-}
-
 }  // namespace nx

@@ -10,9 +10,7 @@
 #include <unordered_map>
 #include <string>
 
-#include "applist/app_select.h"
 #include "menu/menu_editor.h"
-#include "menu/menu_listing.h"
 #include "platform/win32_modal_dialog.h"
 #include "platform/win32_prompts.h"
 
@@ -64,22 +62,6 @@ class MenuEditorWindow final : public ModalDialog, public IMenuEditorView {
   fMenuDef logic_;
   std::unordered_map<std::wstring, HTREEITEM> nodes_;
   std::unordered_map<HTREEITEM, std::wstring> keys_;
-};
-
-// Opens the menu editor for the application list.
-class MenuEditorLauncher final : public IMenuEditorEntry {
- public:
-  MenuEditorLauncher(HINSTANCE instance, MenuEditorServices services, HWND owner = nullptr)
-      : instance_(instance), services_(std::move(services)), owner_(owner) {}
-  void SetOwner(HWND owner) { owner_ = owner; }
-  void EditMenu(const std::wstring& dirSet, const std::wstring& appName, bool general) override;
-  // Lists the menu without a window.
-  std::wstring ListDefs(const std::wstring& dirSet, const std::wstring& appName, bool general) override;
-
- private:
-  HINSTANCE instance_;
-  MenuEditorServices services_;
-  HWND owner_;
 };
 
 }  // namespace nx

@@ -6,9 +6,13 @@
 #include <memory>
 #include <vector>
 
+#include "defs/hot_key.h"
 #include "menu/item_arena.h"
+#include "defs/def_text.h"
+#include "platform/folders.h"
+#include "startup/file_helpers.h"
 #include "platform/text.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 
 namespace nx {
 namespace {
@@ -145,9 +149,11 @@ MenuReadResult ParseMenu(std::string_view bytes, const ICodePage& codePage,
     MenuItemPtr item = pooled ? std::allocate_shared<cMenuItem>(allocator) : std::make_shared<cMenuItem>();
     item->Caption = std::move(caption);
     item->Action = std::move(action);
-    const bool discard = (record.keyWord & kDiscardBit) != 0;
-    int32_t code = static_cast<int32_t>(record.keyWord & ~kDiscardBit);
-    if (code & kBrailleBit) code = (brailleCode ? brailleCode(item->Action) : 0) | kBrailleBit;
+    const bool discard = (record.keyWord & hotkey::kDiscardBit) != 0;
+    int32_t code = static_cast<int32_t>(record.keyWord & ~hotkey::kDiscardBit);
+    if (hotkey::IsBraille(code))
+      code = static_cast<int32_t>(static_cast<uint32_t>(brailleCode ? brailleCode(item->Action) : 0) |
+                                  hotkey::kBrailleBit);
     item->HotKey = code;
     item->Discard = discard;
     item->MenuId = counter;
@@ -179,19 +185,79 @@ std::optional<std::string> SerializeMenu(const cMenuItem& root, const ICodePage&
           return false;
         }
         uint32_t keyWord = static_cast<uint32_t>(item.HotKey);
-        const bool braille = (item.HotKey & kBrailleBit) != 0;
+        const bool braille = hotkey::IsBraille(item.HotKey);
         // A braille code has no room for Discard: it reads back as false.
-        if (!braille && item.Discard) keyWord |= kDiscardBit;
+        if (!braille && item.Discard) keyWord |= hotkey::kDiscardBit;
         PutUnsigned(out, static_cast<uint32_t>(level), 2);
         PutUnsigned(out, keyWord, 4);
         if (!PutText(out, codePage, item, false, reason) || !PutText(out, codePage, item, true, reason)) return false;
-        if (braille && brailleEntry)
-          brailleEntry(item.Action, static_cast<uint32_t>(item.HotKey) & ~static_cast<uint32_t>(kBrailleBit));
+        if (braille && brailleEntry) brailleEntry(item.Action, hotkey::WithoutBraille(item.HotKey));
         return true;
       },
       [](const cMenuItem&, size_t) {});
   if (!whole) return std::nullopt;
   return out;
+}
+
+MenuItemPtr cMenuFile::InitCommandDef(const std::wstring& menuPath, const std::wstring& braillePath, bool* complete) {
+  if (complete) *complete = true;
+  std::string bytes;
+  ReadFailure failure;
+  if (!ReadFileBytes(menuPath, bytes, &failure)) {
+    if (complete && !failure.missing) *complete = false;
+    return nullptr;
+  }
+  // The profile is read once for all the items; a missing or unreadable
+  // one gives every braille item the code 0.
+  ProfileDocument profile(codePage_);
+  if (!braillePath.empty()) profile_.Load(braillePath, profile);
+  const ProfileDocument::Section codes = profile.KeysOf(L"Actions");
+  MenuReadResult result = ParseMenu(
+      bytes, codePage_,
+      [&codes](const std::wstring& action) {
+        const std::wstring value = codes.GetString(action, L"");
+        return value.empty() ? 0 : ParseHex32(value).value_or(0);
+      },
+      ItemCounter);
+  if (complete) *complete = result.complete;
+  return result.root;
+}
+
+bool cMenuFile::FlushCommand2Def(const std::wstring& menuPath, const std::wstring& braillePath, const cMenuItem& root,
+                                 WriteFailure* failure) {
+  auto fail = [failure](const std::wstring& file, std::wstring reason, bool menuWritten) {
+    if (failure) *failure = {file, std::move(reason), menuWritten};
+    return false;
+  };
+  std::vector<std::pair<std::wstring, std::wstring>> brailleCodes;
+  std::wstring reason;
+  auto bytes = SerializeMenu(
+      root, codePage_,
+      [&](const std::wstring& action, uint32_t code) { brailleCodes.emplace_back(action, HexText(code)); }, &reason);
+  if (!bytes) return fail(menuPath, reason, false);
+  const bool withCodes = !braillePath.empty() && !brailleCodes.empty();
+  ProfileDocument profile(codePage_);
+  ReadFailure unreadable;
+  if (withCodes && !profile_.Load(braillePath, profile, &unreadable))
+    return fail(braillePath, unreadable.reason, false);
+  if (!WriteFileBytes(menuPath, *bytes, &reason)) return fail(menuPath, reason, false);
+  if (!withCodes) return true;
+  profile.WriteKeys(L"Actions", brailleCodes);
+  return profile_.Save(braillePath, profile, &reason) || fail(braillePath, reason, true);
+}
+
+namespace {
+
+std::wstring MenuFolder(const MenuLocation& menu) {
+  return menu.general ? menu.menuDir : JoinPath(menu.menuDir, menu.appName);
+}
+
+}  // namespace
+
+std::wstring MenuFilePath(const MenuLocation& menu) { return JoinPath(MenuFolder(menu), L"Command.mnu"); }
+
+std::wstring BrailleProfilePath(const MenuLocation& menu) {
+  return menu.brailleName.empty() ? std::wstring() : JoinPath(MenuFolder(menu), menu.brailleName + L".ini");
 }
 
 }  // namespace nx

@@ -3,7 +3,7 @@
 #include <commdlg.h>
 
 #include "resource.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 
 namespace nx {
 

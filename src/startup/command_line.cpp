@@ -4,9 +4,6 @@
 
 namespace nx {
 
-std::wstring gCmdScriptPath;
-std::wstring gCmdDisplayName;
-
 CommandLineRequest ParseCommandLine(const std::wstring& arguments) {
   CommandLineRequest request;
   // Quotes only hold words together on a Windows command line (a shortcut or

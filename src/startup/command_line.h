@@ -7,11 +7,6 @@
 
 namespace nx {
 
-// Set from the command line and read by the menu editor and the item wizard
-// for the whole run (the wizard empties gCmdScriptPath once it used it).
-extern std::wstring gCmdScriptPath;
-extern std::wstring gCmdDisplayName;
-
 struct CommandLineRequest {
   std::wstring appName;                     // trimmed; "" when none
   std::optional<std::wstring> scriptPath;   // the text after "*", when given

@@ -20,7 +20,7 @@ void cNarrixInfo::Inicialize(void* form) {
   // ExitDirect belongs to the maker's key, not to the product's.
   exitDirect_ = GetRegBool(registry_, kMakerKey, L"", L"ExitDirect", false);
   srFlag_ = GetRegBool(registry_, kProductKey, L"", L"ScreenReaderFlag", true);
-  setFolderName_ = L"Set";
+  setFolderName_ = kSetFolder;
   soundFolderName_ = L"Sound";
 }
 
@@ -52,15 +52,13 @@ std::wstring cNarrixInfo::FileNameHelp(const std::wstring& topic) const {
   return JoinPath(dirVelkor_, ReplaceAll(Product(L"FileHelp", L"Help\\%1.htm"), L"%1", topic));
 }
 
-unsigned gLogFlags = 0;
-
-unsigned cNarrixInfo::GetLogFilter() const {
+unsigned cNarrixInfo::GetLogFilter() {
   static const wchar_t* const kNames[] = {L"LogFocus", L"LogKey",    L"LogText",   L"LogBmp",
                                           L"LogDef",   L"LogOkoExp", L"LogToFile", L"LogToDbgView"};
   unsigned flags = 0;
   for (unsigned i = 0; i < 8; ++i)
     if (GetRegBool(registry_, kProductKey, L"", kNames[i], true)) flags |= 1u << i;
-  gLogFlags = flags;
+  gLogFlags_ = flags;
   return flags;
 }
 

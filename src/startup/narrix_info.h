@@ -10,9 +10,6 @@
 
 namespace nx {
 
-// The log filter last read by cNarrixInfo::GetLogFilter.
-extern unsigned gLogFlags;
-
 // Bits of the log filter, in the order of their registry values.
 enum LogFlag : unsigned {
   kLogFocus = 1u << 0,
@@ -24,6 +21,9 @@ enum LogFlag : unsigned {
   kLogToFile = 1u << 6,
   kLogToDbgView = 1u << 7,
 };
+
+// The folder of the installation that holds the menus and definition tables.
+inline constexpr wchar_t kSetFolder[] = L"Set";
 
 struct FormPosition {
   long left = 0, top = 0, width = 0, height = 0;
@@ -69,9 +69,10 @@ class cNarrixInfo {
   std::wstring FileNameHelp(const std::wstring& topic) const;
 
   // Settings kept for the other programs of the screen reader.
-  // GetLogFilter also leaves its result in gLogFlags, where logging code of
-  // the whole program looks (bit i = LogFocus, LogKey, ... LogToDbgView).
-  unsigned GetLogFilter() const;
+  // GetLogFilter also keeps its result, which LogFlags() gives to logging
+  // code of the whole program (bit i = LogFocus, LogKey, ... LogToDbgView).
+  unsigned GetLogFilter();
+  unsigned LogFlags() const { return gLogFlags_; }
   long LensBufferSize(const std::wstring& formName) const;
   long VideoBufferSize() const;
   long TextMaxLen() const;
@@ -94,11 +95,12 @@ class cNarrixInfo {
   IRegistry& registry_;
   std::wstring exeFolder_;
   void* frmMain_ = nullptr;
+  unsigned gLogFlags_ = 0;
   std::wstring dirVelkor_;
   std::wstring dirNx_;
   bool exitDirect_ = false;
   bool srFlag_ = true;
-  std::wstring setFolderName_ = L"Set";
+  std::wstring setFolderName_ = kSetFolder;
   std::wstring soundFolderName_ = L"Sound";
 };
 

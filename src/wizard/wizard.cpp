@@ -1,11 +1,11 @@
 #include "wizard/wizard.h"
 
-#include "menu/menu_editor.h"
+#include "defs/hot_key.h"
+#include "platform/keys.h"
 #include "platform/folders.h"
 #include "platform/text.h"
-#include "startup/command_line.h"
 #include "startup/file_helpers.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 
 namespace nx {
 namespace {
@@ -16,19 +16,18 @@ constexpr int kOptPullDown = 714, kCommandLabel = 715, kScriptLabel = 717, kOpen
 constexpr int kDiscard = 722, kHotKeyLabel = 723, kDelete = 725, kCancel = 101, kGeneralMenu = 504;
 constexpr int kUsedBy = 645, kForm = 646, kBraille = 647, kBrailleHook = 648;
 constexpr int kUnstorable = 726, kProductTitle = 2053;
-constexpr int32_t kBrailleBit = 0x40000000;
-// Status buttons: bit 31 as well, and the family in the high word.
-constexpr uint32_t kStatusButton = 0xC0000000u, kCursorStatus = 2, kAuxStatus = 4;
-
-int32_t StatusCode(int32_t button, uint32_t family) {
-  return static_cast<int32_t>(kStatusButton | (family << 16) | (static_cast<uint32_t>(button) & 0xFFFFu));
-}
 
 }  // namespace
 
-fWizard::fWizard(IWizardView& view, IPrompts& prompts, IProcesses& processes, cNarrixInfo& info, cDefServer& defs,
-                 const ICodePage& codePage)
-    : view_(view), prompts_(prompts), processes_(processes), info_(info), defs_(defs), codePage_(codePage) {}
+fWizard::fWizard(IWizardView& view, IPrompts& prompts, IProcesses& processes, EditSession& session, cNarrixInfo& info,
+                 cDefServer& defs, const ICodePage& codePage)
+    : view_(view),
+      prompts_(prompts),
+      processes_(processes),
+      session_(session),
+      info_(info),
+      defs_(defs),
+      codePage_(codePage) {}
 
 void fWizard::Form_Load() {
   const struct {
@@ -137,7 +136,7 @@ void fWizard::PageLayout() {
       if (OffersCommandLineScript()) {
         view_.SetKind(WizardKind::Script);
         Kind_Click(WizardKind::Script);
-        view_.SetScriptPath(gCmdScriptPath);
+        view_.SetScriptPath(session_.gCmdScriptPath);
       }
       view_.ShowPane(WizardPane::Type);
       break;
@@ -147,8 +146,8 @@ void fWizard::PageLayout() {
         view_.ShowPane(WizardPane::Command);
       } else {
         if (OffersCommandLineScript()) {
-          view_.SetScriptPath(gCmdScriptPath);
-          txtScriptPath_Change(gCmdScriptPath);
+          view_.SetScriptPath(session_.gCmdScriptPath);
+          txtScriptPath_Change(session_.gCmdScriptPath);
         }
         view_.ShowPane(WizardPane::Script);
       }
@@ -160,7 +159,7 @@ void fWizard::PageLayout() {
   }
 }
 
-bool fWizard::OffersCommandLineScript() const { return !gCmdScriptPath.empty() && item_->Action.empty(); }
+bool fWizard::OffersCommandLineScript() const { return !session_.gCmdScriptPath.empty() && item_->Action.empty(); }
 
 void fWizard::Move(int step) {
   view_.HideWindow();
@@ -273,7 +272,7 @@ void fWizard::WriteCommand() {
 }
 
 std::wstring fWizard::Expand(const std::wstring& text) const {
-  const std::wstring appSet = JoinPath(info_.DirSet(), gAppName);
+  const std::wstring appSet = JoinPath(info_.DirSet(), session_.gAppName);
   return ReplaceAll(ReplaceAll(text, L"$(velkordir)", info_.DirVelkor()), L"$(appsetdir)", appSet);
 }
 
@@ -297,11 +296,13 @@ std::wstring fWizard::FormFile() const {
 }
 
 void fWizard::cmdScriptBrowse_Click() {
-  const std::wstring folder = gAppName != LoadResText(kGeneralMenu) ? JoinPath(gMenuDir, gAppName) : gMenuDir;
+  const std::wstring folder = session_.gAppName != LoadResText(kGeneralMenu)
+                                  ? JoinPath(session_.gMenuDir, session_.gAppName)
+                                  : session_.gMenuDir;
   auto chosen = prompts_.OpenFile(
       L"Script Files (*.vbs)|*.vbs|Applications (*.exe, *.com, *.bat)|*.exe;*.bat;*.com|All|*.*", folder);
   if (!chosen || chosen->empty()) return;
-  std::wstring path = ReplaceAll(*chosen, JoinPath(info_.DirSet(), gAppName), L"$(appsetdir)");
+  std::wstring path = ReplaceAll(*chosen, JoinPath(info_.DirSet(), session_.gAppName), L"$(appsetdir)");
   path = ReplaceAll(path, info_.DirVelkor(), L"$(velkordir)");
   const std::wstring lower = LowerCase(path);
   if (lower.size() >= 4 && lower.compare(lower.size() - 4, 4, L".vbs") == 0) path = L"wscript.exe \"" + path + L"\"";
@@ -324,7 +325,7 @@ void fWizard::cmdScriptForm_Click() {
 }
 
 void fWizard::cmdTips_Click() {
-  const std::wstring path = L"$(velkordir)\\set\\" + gAppName + L"\\tips.txt";
+  const std::wstring path = L"$(velkordir)\\set\\" + session_.gAppName + L"\\tips.txt";
   const std::wstring command = L"notepad.exe " + path;
   const std::wstring file = Expand(path);
   if (!FileExists(file)) WriteFileBytes(file, "");
@@ -336,7 +337,7 @@ void fWizard::cmdTips_Click() {
 void fWizard::FillHotKey() {
   ShowCode(item_->HotKey, true);
   view_.SetChecked(WizardControl::Discard, item_->Discard);
-  const bool braille = (item_->HotKey & kBrailleBit) != 0;
+  const bool braille = hotkey::IsBraille(item_->HotKey);
   view_.SetChecked(WizardControl::Braille, braille);
   view_.EnableControl(WizardControl::Discard, !braille);
   ShowUsedBy();
@@ -367,14 +368,15 @@ void fWizard::ShowUsedBy() {
 }
 
 bool fWizard::hk_KeyDown(int key, int shift) {
-  if (!item_ || key == 16 || key == 17 || key == 18) return false;
-  if (key == 45 || key == 145) return false;  // the screen reader's modifiers count only with a key
+  if (!item_ || key == vk::kShift || key == vk::kControl || key == vk::kAlt) return false;
+  // The screen reader's modifiers count only with a key.
+  if (key == vk::kInsert || key == vk::kScrollLock) return false;
   // Tab and Shift+Tab leave the field, so that the focus is never trapped.
-  if (key == 9 && (shift == 0 || shift == 1)) return false;
+  if (key == vk::kTab && (shift == 0 || shift == vk::kShiftHeld)) return false;
   view_.SetChecked(WizardControl::Braille, false);
   view_.EnableControl(WizardControl::Discard, true);
-  if (view_.IsKeyDown(45) || view_.IsKeyDown(145)) shift |= 0x2000;
-  const int32_t code = static_cast<int32_t>((static_cast<uint32_t>(shift & 0xFFFF) << 16) | (key & 0xFFFF));
+  if (view_.IsKeyDown(vk::kInsert) || view_.IsKeyDown(vk::kScrollLock)) shift |= hotkey::kNarrixKey;
+  const int32_t code = hotkey::Chord(key, shift);
   ShowCode(code, false);
   item_->HotKey = code;
   ShowUsedBy();
@@ -385,7 +387,9 @@ bool fWizard::hk_KeyDown(int key, int shift) {
 // released with no key seen since it went down, and the captured keys never
 // reach it; menu mode would then eat the next keys meant as hot keys. So the
 // release of Alt or F10, and of any key while Alt is held, stops here.
-bool fWizard::hk_KeyUp(int key, int shift) { return item_ && (key == 18 || key == 121 || (shift & 4) != 0); }
+bool fWizard::hk_KeyUp(int key, int shift) {
+  return item_ && (key == vk::kAlt || key == vk::kF10 || (shift & vk::kAltHeld) != 0);
+}
 
 void fWizard::chkDiscard_Click(bool checked) {
   if (item_) item_->Discard = checked;
@@ -396,7 +400,7 @@ void fWizard::chkBraille_Click(bool checked) {
   // A status button's code unchecked loses its status bit too: the rest is a
   // key the field can name, and what is stored is what is heard.
   const uint32_t code = static_cast<uint32_t>(item_->HotKey);
-  item_->HotKey = static_cast<int32_t>(checked ? code | kBrailleBit : code & ~kStatusButton);
+  item_->HotKey = static_cast<int32_t>(checked ? code | hotkey::kBrailleBit : code & ~hotkey::kStatusButton);
   view_.EnableControl(WizardControl::Discard, !checked);
   ShowCode(item_->HotKey, true);
   ShowUsedBy();
@@ -426,11 +430,15 @@ void fWizard::CaptureButton(int32_t code) {
   ShowUsedBy();
 }
 
-void fWizard::koral_BrailleBtnAuxStatus(int32_t button) { CaptureButton(StatusCode(button, kAuxStatus)); }
+void fWizard::koral_BrailleBtnAuxStatus(int32_t button) {
+  CaptureButton(hotkey::StatusButton(button, hotkey::kAuxStatus));
+}
 
-void fWizard::koral_BrailleBtnCusorStatus(int32_t button) { CaptureButton(StatusCode(button, kCursorStatus)); }
+void fWizard::koral_BrailleBtnCusorStatus(int32_t button) {
+  CaptureButton(hotkey::StatusButton(button, hotkey::kCursorStatus));
+}
 
-void fWizard::koral_BrailleBtnNormal(int32_t buttons) { CaptureButton((buttons & 0x3FFFFFFF) | kBrailleBit); }
+void fWizard::koral_BrailleBtnNormal(int32_t buttons) { CaptureButton(hotkey::Buttons(buttons)); }
 
 void fWizard::cmdHotKeyDel_Click() {
   view_.SetHotKeyText(L"", true);
@@ -446,7 +454,7 @@ void fWizard::cmdHotKeyDel_Click() {
 
 void fWizard::Form_Unload() {
   SetBrailleDisplay(nullptr);
-  gCmdScriptPath.clear();
+  session_.gCmdScriptPath.clear();
 }
 
 }  // namespace nx

@@ -12,8 +12,8 @@
 #include "menu/menu_item.h"
 #include "platform/code_page.h"
 #include "platform/prompts.h"
+#include "startup/edit_session.h"
 #include "startup/narrix_info.h"
-#include "wizard/narrix_actions.h"
 
 namespace nx {
 
@@ -100,8 +100,8 @@ class fWizard {
  public:
   // All references must outlive the wizard; `codePage` is the one the menu
   // file is written in.
-  fWizard(IWizardView& view, IPrompts& prompts, IProcesses& processes, cNarrixInfo& info, cDefServer& defs,
-          const ICodePage& codePage);
+  fWizard(IWizardView& view, IPrompts& prompts, IProcesses& processes, EditSession& session, cNarrixInfo& info,
+          cDefServer& defs, const ICodePage& codePage);
 
   void Form_Load();
   // Stores the item and shows the current page.
@@ -179,6 +179,7 @@ class fWizard {
   IWizardView& view_;
   IPrompts& prompts_;
   IProcesses& processes_;
+  EditSession& session_;
   cNarrixInfo& info_;
   cDefServer& defs_;
   const ICodePage& codePage_;

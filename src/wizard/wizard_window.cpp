@@ -8,7 +8,7 @@
 #include "platform/win32_dialog.h"
 #include "resource.h"
 #include "startup/file_helpers.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 
 namespace nx {
 namespace {
@@ -85,8 +85,9 @@ const std::vector<int>& PaneControls(WizardPane pane) {
 
 }  // namespace
 
-WizardWindow::WizardWindow(HINSTANCE instance, IProcesses& processes, cNarrixInfo& info, cDefServer& defs)
-    : ModalDialog(instance), logic_(*this, prompts_, processes, info, defs, SystemCodePage()) {}
+WizardWindow::WizardWindow(HINSTANCE instance, IProcesses& processes, EditSession& session, cNarrixInfo& info,
+                           cDefServer& defs)
+    : ModalDialog(instance), logic_(*this, prompts_, processes, session, info, defs, SystemCodePage()) {}
 
 // Keys in the capture field are taken before the dialog sees them: Alt
 // combinations, F10 and Enter are hot keys there, not commands, and their
@@ -369,7 +370,7 @@ bool WizardWindow::Checked(WizardControl box) const { return IsDlgButtonChecked(
 bool WizardWindow::IsKeyDown(int key) const { return GetKeyState(key) < 0; }
 
 bool WizardLauncher::Describe(cMenuItem& item, bool isNew, const cMenuItem* root, const cMenuItem* original) {
-  WizardWindow window(instance_, processes_, info_, defs_);
+  WizardWindow window(instance_, processes_, session_, info_, defs_);
   if (!window.Create(GetActiveWindow())) return false;
   fWizard& wizard = window.Logic();
   wizard.SetMenu(root, original);

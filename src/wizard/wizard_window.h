@@ -13,7 +13,7 @@ namespace nx {
 
 class WizardWindow final : public ModalDialog, public IWizardView {
  public:
-  WizardWindow(HINSTANCE instance, IProcesses& processes, cNarrixInfo& info, cDefServer& defs);
+  WizardWindow(HINSTANCE instance, IProcesses& processes, EditSession& session, cNarrixInfo& info, cDefServer& defs);
 
   bool Create(HWND owner) { return CreateFrom(IDD_WIZARD, owner, this); }
   fWizard& Logic() { return logic_; }
@@ -83,14 +83,20 @@ class WizardWindow final : public ModalDialog, public IWizardView {
 class WizardLauncher final : public IItemWizard {
  public:
   // Everything must outlive the launcher; `brailleOpener` may be null.
-  WizardLauncher(HINSTANCE instance, IProcesses& processes, cNarrixInfo& info, cDefServer& defs,
+  WizardLauncher(HINSTANCE instance, IProcesses& processes, EditSession& session, cNarrixInfo& info, cDefServer& defs,
                  IBrailleOpener* brailleOpener)
-      : instance_(instance), processes_(processes), info_(info), defs_(defs), brailleOpener_(brailleOpener) {}
+      : instance_(instance),
+        processes_(processes),
+        session_(session),
+        info_(info),
+        defs_(defs),
+        brailleOpener_(brailleOpener) {}
   bool Describe(cMenuItem& item, bool isNew, const cMenuItem* root, const cMenuItem* original) override;
 
  private:
   HINSTANCE instance_;
   IProcesses& processes_;
+  EditSession& session_;
   cNarrixInfo& info_;
   cDefServer& defs_;
   IBrailleOpener* brailleOpener_;

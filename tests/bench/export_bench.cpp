@@ -13,12 +13,12 @@
 
 #include "applist/help_page.h"
 #include "menu/menu_file.h"
-#include "menu/menu_listing.h"
+#include "menu/menu_help.h"
 #include "platform/folders.h"
 #include "platform/profile.h"
 #include "platform/registry.h"
 #include "startup/settings.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 
 namespace {
 
@@ -72,18 +72,14 @@ std::wstring Wide(const fs::path& path) { return path.wstring(); }
 void BM_Export(benchmark::State& state) {
   const int apps = static_cast<int>(state.range(0));
   const fs::path& root = Installation(apps);
-  nx::MemoryRegistry registry;
-  registry.WriteString(nx::kProductKey, L"Path", Wide(root));
-  nx::cNarrixInfo info(registry, L"");
-  info.Inicialize(nullptr);
+  const std::wstring dirSet = Wide(root / "Set");
   nx::PortableProfile profile(kPage);
-  nx::cDefServer defs(kPage, profile, L"");
-  nx::MenuListing listing(info, defs, profile);
-  const auto names = *nx::ListSubfolders(info.DirSet());
+  nx::cDefServer defs(kPage, profile, dirSet + L"\\");
+  const auto names = *nx::ListSubfolders(dirSet);
   for (auto _ : state) {
-    std::wstring text = listing.ListDefs(info.DirSet(), L"(Narrix)", true);
-    for (const auto& name : names) text += listing.ListDefs(info.DirSet(), name, false);
-    if (nx::UpdateHelpPage(nx::HelpPagePath(info), text, kPage) != nx::HelpPageResult::Updated)
+    std::wstring text = nx::MenuHelpSection(defs, {dirSet, L"(Narrix)", L"", true});
+    for (const auto& name : names) text += nx::MenuHelpSection(defs, {dirSet, name, L"", false});
+    if (nx::UpdateHelpPage(nx::HelpPagePath(Wide(root)), text, kPage) != nx::HelpPageResult::Updated)
       state.SkipWithError("the page was not updated");
   }
   state.SetComplexityN(static_cast<int64_t>(apps) * kItemsPerMenu);
@@ -125,7 +121,6 @@ class Keeper : public benchmark::ConsoleReporter {
 }  // namespace
 
 int main(int argc, char** argv) {
-  nx::SetUiLanguage(nx::UiLanguage::English);
   benchmark::Initialize(&argc, argv);
   Keeper reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);

@@ -164,8 +164,9 @@ void BM_WriteMenuFile(benchmark::State& state) {
   auto root = nx::ParseMenu(MenuBytes(), kPage, nullptr, counter).root;
   nx::PortableProfile profile(kPage);
   nx::cDefActions defs(kPage, profile);
+  nx::cMenuFile defsFiles(kPage, profile);
   const std::wstring path = L"/tmp/nx-bench-Command.mnu";
-  for (auto _ : state) benchmark::DoNotOptimize(defs.FlushCommand2Def(path, L"", *root));
+  for (auto _ : state) benchmark::DoNotOptimize(defsFiles.FlushCommand2Def(path, L"", *root));
   std::remove("/tmp/nx-bench-Command.mnu");
   state.SetItemsProcessed(state.iterations() * 100000);
 }
@@ -218,8 +219,9 @@ void ReadMenuWithKeys(benchmark::State& state, bool braille) {
   const MenuOnDisk& files = MenuWithKeys(static_cast<int>(state.range(0)), braille);
   nx::PortableProfile profile(kPage);
   nx::cDefActions defs(kPage, profile);
+  nx::cMenuFile defsFiles(kPage, profile);
   for (auto _ : state) {
-    auto root = defs.InitCommandDef(files.menu, files.profile);
+    auto root = defsFiles.InitCommandDef(files.menu, files.profile);
     if (braille) defs.InitBrailleKeyMap(files.profile);
     benchmark::DoNotOptimize(root.get());
   }
@@ -235,8 +237,9 @@ void SaveMenuWithKeys(benchmark::State& state, bool braille) {
   const MenuOnDisk& files = MenuWithKeys(static_cast<int>(state.range(0)), braille);
   nx::PortableProfile profile(kPage);
   nx::cDefActions defs(kPage, profile);
+  nx::cMenuFile defsFiles(kPage, profile);
   for (auto _ : state)
-    if (!defs.FlushCommand2Def(files.menu, files.profile, *files.root)) state.SkipWithError("the save failed");
+    if (!defsFiles.FlushCommand2Def(files.menu, files.profile, *files.root)) state.SkipWithError("the save failed");
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 void BM_SaveKeyboardMenu(benchmark::State& state) { SaveMenuWithKeys(state, false); }

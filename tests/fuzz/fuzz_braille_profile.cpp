@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "defs/hot_key.h"
 #include "defs/def_actions.h"
 #include "menu/menu_file.h"
 #include "scratch_file.h"
@@ -49,6 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
   const nx::fuzz::ScratchFile ini("profile.ini", bytes), menu("Command.mnu", MenuNaming(bytes));
   nx::cDefActions defs(page, profile);
+  nx::cMenuFile defsFiles(page, profile);
   defs.InitBrailleKeyMap(ini.Path());
   profile.GetInt(L"Braille", L"BrailleActive", 0, ini.Path());
   uint32_t code = 0;
@@ -81,9 +83,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (atOnce.Serialize() != oneByOne.Serialize()) __builtin_trap();
 
   bool complete = false;
-  const nx::MenuItemPtr root = defs.InitCommandDef(menu.Path(), ini.Path(), &complete);
+  const nx::MenuItemPtr root = defsFiles.InitCommandDef(menu.Path(), ini.Path(), &complete);
   if (!root || !complete) __builtin_trap();
   for (const auto& item : root->SubItems)
-    if (!(item->HotKey & nx::kBrailleBit)) __builtin_trap();
+    if (!nx::hotkey::IsBraille(item->HotKey)) __builtin_trap();
   return 0;
 }

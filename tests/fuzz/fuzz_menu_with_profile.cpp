@@ -35,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string_view menuBytes = split == std::string_view::npos ? std::string_view() : bytes.substr(split + 1);
   const nx::fuzz::ScratchFile ini("menu.ini", profileText), menu("menu.mnu", menuBytes);
   const nx::fuzz::ScratchFile writtenIni("written.ini"), writtenMenu("written.mnu");
-  nx::cDefActions defs(page, profile);
+  nx::cMenuFile defs(page, profile);
   bool complete = false;
   const nx::MenuItemPtr root = defs.InitCommandDef(menu.Path(), ini.Path(), &complete);
   if (!root) __builtin_trap();

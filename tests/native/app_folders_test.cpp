@@ -13,7 +13,7 @@
 #include "platform/folders.h"
 #include "platform/text.h"
 #include "startup/settings.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 #include "temp_folder.h"
 
 namespace nx {
@@ -81,7 +81,6 @@ constexpr unsigned kExclamation = mb::kOkOnly | mb::kIconExclamation;
 class AppFoldersTest : public ::testing::Test {
  protected:
   AppFoldersTest() {
-    SetUiLanguage(UiLanguage::English);
     CreateFolder(dir_.Path(L"Set"));
     for (const wchar_t* name : {L"excel", L"notepad", L"Word"}) {
       CreateFolder(dir_.Path(L"Set\\") + name);
@@ -97,6 +96,7 @@ class AppFoldersTest : public ::testing::Test {
   }
 
   test::TempFolder dir_;
+  EditSession session_;
   MemoryRegistry registry_;
   cNarrixInfo info_{registry_, L""};
   ListView view_;
@@ -105,7 +105,7 @@ class AppFoldersTest : public ::testing::Test {
   FileSystemFolderOps folders_;
   RunningApps apps_;
   BuiltinCodePage codePage_{1250};
-  fAppSelect app_{view_, prompts_, info_, &editor_, AppListPorts{&folders_, &apps_, &codePage_}};
+  fAppSelect app_{view_, prompts_, session_, info_, &editor_, AppListPorts{&folders_, &apps_, &codePage_}};
 };
 
 // A refused name is told, and offered again as typed: here the box is then

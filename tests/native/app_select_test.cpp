@@ -10,7 +10,7 @@
 #include "platform/text.h"
 #include "startup/command_line.h"
 #include "startup/settings.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 #include "temp_folder.h"
 
 namespace nx {
@@ -81,9 +81,8 @@ struct EditorSpy : IMenuEditorEntry {
 class AppSelectTest : public ::testing::Test {
  protected:
   AppSelectTest() {
-    SetUiLanguage(UiLanguage::English);
-    gCmdScriptPath.clear();
-    gCmdDisplayName.clear();
+    session_.gCmdScriptPath.clear();
+    session_.gCmdDisplayName.clear();
     CreateFolder(dir_.Path(L"Set"));
     for (const wchar_t* name : {L"Word", L"excel", L"7zip"}) CreateFolder(dir_.Path(L"Set\\") + name);
     dir_.Write(L"Set\\setting.ini", "[Braille]\r\n");  // files are not applications
@@ -96,12 +95,13 @@ class AppSelectTest : public ::testing::Test {
   }
 
   test::TempFolder dir_;
+  EditSession session_;
   MemoryRegistry registry_;
   cNarrixInfo info_{registry_, L""};
   FakeView view_;
   ScriptedPrompts prompts_;
   EditorSpy editor_;
-  fAppSelect app_{view_, prompts_, info_, &editor_};
+  fAppSelect app_{view_, prompts_, session_, info_, &editor_};
 };
 
 TEST_F(AppSelectTest, LoadShowsCaptionsAndSortedList) {
@@ -154,8 +154,8 @@ TEST_F(AppSelectTest, CommandLineOpensAnExistingMenuIgnoringCase) {
       {L"", nullptr, L"", L""},
   };
   for (const auto& c : cases) {
-    gCmdScriptPath.clear();
-    gCmdDisplayName.clear();
+    session_.gCmdScriptPath.clear();
+    session_.gCmdDisplayName.clear();
     editor_.calls.clear();
     Load();
     app_.SelectAppByCommand(c.args);
@@ -167,8 +167,8 @@ TEST_F(AppSelectTest, CommandLineOpensAnExistingMenuIgnoringCase) {
       EXPECT_TRUE(editor_.calls.empty()) << WideToUtf8(c.args);
       EXPECT_EQ(view_.selected, 0);
     }
-    EXPECT_EQ(gCmdScriptPath, c.script);
-    EXPECT_EQ(gCmdDisplayName, c.display);
+    EXPECT_EQ(session_.gCmdScriptPath, c.script);
+    EXPECT_EQ(session_.gCmdDisplayName, c.display);
   }
   EXPECT_TRUE(prompts_.asked.empty());
 }

@@ -11,7 +11,7 @@
 #include "platform/registry.h"
 #include "platform/profile.h"
 #include "startup/settings.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 #include "temp_folder.h"
 
 namespace nx {
@@ -120,7 +120,6 @@ class NoticeLog : public IBusyNotice {
 };
 
 TEST(BrailleOpener, OpensOnlyWhenSwitchedOnAndInstalled) {
-  SetUiLanguage(UiLanguage::English);
   const struct {
     const char* setting;  // setting.ini, or null for none
     bool installed;

@@ -5,7 +5,7 @@
 
 #include "defs/def_actions.h"
 #include "platform/text.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 #include "temp_folder.h"
 
 namespace nx {
@@ -14,7 +14,6 @@ namespace {
 class DefsTest : public ::testing::Test {
  protected:
   DefsTest() {
-    SetUiLanguage(UiLanguage::English);
     dir_.Write(L"gKeyCode.def",
                "' key names\r\n"
                "\r\n"

@@ -14,7 +14,7 @@
 #include "refusing_profile.h"
 #include "startup/command_line.h"
 #include "startup/settings.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 #include "temp_folder.h"
 
 namespace nx {
@@ -24,9 +24,8 @@ namespace {
 class MenuEditorTest : public ::testing::Test {
  protected:
   MenuEditorTest() {
-    SetUiLanguage(UiLanguage::English);
-    gBrailleName.clear();
-    gCmdDisplayName.clear();
+    session_.gBrailleName.clear();
+    session_.gCmdDisplayName.clear();
     std::filesystem::create_directories(dir_.Fs() / "Set" / "notepad");
     registry_.WriteString(kProductKey, L"Path", dir_.Path());
     info_.Inicialize(nullptr);
@@ -57,13 +56,14 @@ class MenuEditorTest : public ::testing::Test {
       item->HotKey = items[i].hotKey;
       parents.push_back(item.get());
     }
-    ASSERT_TRUE(defs_.DefActions().FlushCommand2Def(MenuFile(), L"", *root));
+    ASSERT_TRUE(cMenuFile(defs_.CodePage(), defs_.Profile()).FlushCommand2Def(MenuFile(), L"", *root));
   }
   std::wstring MenuFile() const { return dir_.Path(L"Set\\notepad\\Command.mnu"); }
   void Open() { editor_.LoadDefs(dir_.Path(L"Set"), L"notepad", false); }
   std::wstring Saved() {
-    defs_.DefActions().ItemCounter = 256;
-    auto root = defs_.DefActions().InitCommandDef(MenuFile(), L"");
+    cMenuFile file(defs_.CodePage(), defs_.Profile());
+    file.ItemCounter = 256;
+    auto root = file.InitCommandDef(MenuFile(), L"");
     std::wstring out;
     WalkTree(
         static_cast<const cMenuItem&>(*root),
@@ -76,6 +76,7 @@ class MenuEditorTest : public ::testing::Test {
   }
 
   test::TempFolder dir_;
+  EditSession session_;
   MemoryRegistry registry_;
   cNarrixInfo info_{registry_, L""};
   BuiltinCodePage page_{1252};
@@ -87,7 +88,8 @@ class MenuEditorTest : public ::testing::Test {
   BrailleOpener opener_{koral_, profile_, info_, nullptr};
   ScriptedPrompts prompts_;
   FakeEditorView view_;
-  fMenuDef editor_{view_, prompts_, MenuEditorServices{info_, defs_, profile_, menus_, braille_, &opener_, nullptr}};
+  fMenuDef editor_{view_, prompts_,
+                   MenuEditorServices{session_, info_, defs_, profile_, menus_, braille_, &opener_, nullptr}};
 };
 
 // The display's own description names its profile, unless the command line
@@ -105,12 +107,12 @@ TEST_F(MenuEditorTest, TheDisplayNamesItsProfile) {
   };
   for (const auto& c : cases) {
     dir_.Write(L"Set\\setting.ini", c.setting);
-    gBrailleName.clear();
-    gCmdDisplayName = c.commandLine;
+    session_.gBrailleName.clear();
+    session_.gCmdDisplayName = c.commandLine;
     braille_.reset();
     koral_.koral.log.clear();
     Open();
-    EXPECT_EQ(gBrailleName, c.name) << c.setting;
+    EXPECT_EQ(session_.gBrailleName, c.name) << c.setting;
     const bool opened = std::wstring(c.name) == L"Focus 40" || std::wstring(c.commandLine) == L"Other";
     EXPECT_EQ(koral_.koral.Log().empty(), !opened) << koral_.koral.Log();
     Open();  // the display is opened once for the whole program
@@ -196,8 +198,9 @@ TEST_F(MenuEditorTest, PasteAsksWhereAndChecksPullDowns) {
   EXPECT_EQ(prompts_.asked[2].text.rfind(L"Item Open contains action and/or hotkey\r\n\r\n", 0), 0u);
   EXPECT_EQ(prompts_.asked[2].style, 292u);
   editor_.cmdApply_Click();
-  defs_.DefActions().ItemCounter = 256;
-  auto saved = defs_.DefActions().InitCommandDef(MenuFile(), L"");
+  cMenuFile file(defs_.CodePage(), defs_.Profile());
+  file.ItemCounter = 256;
+  auto saved = file.InitCommandDef(MenuFile(), L"");
   const auto open = saved->SubItems.item(1)->SubItems.item(1);
   EXPECT_EQ(open->Action, L"");  // it became a pull-down
   EXPECT_EQ(open->HotKey, 0);
@@ -444,10 +447,11 @@ TEST_F(MenuEditorTest, AFailedSaveKeepsTheWindowAndTheEdits) {
 
 TEST_F(MenuEditorTest, LostBrailleCodesAreAFailedSave) {
   WriteMenu({{L"Quit", L"QuitIt", 0x40000005}}, {0});
-  gCmdDisplayName = L"Focus 40";
+  session_.gCmdDisplayName = L"Focus 40";
   test::RefusingProfile refusing(page_, L"QuitIt");
   cDefServer defs(page_, refusing, L"");
-  fMenuDef editor(view_, prompts_, MenuEditorServices{info_, defs, refusing, menus_, braille_, &opener_, nullptr});
+  fMenuDef editor(view_, prompts_,
+                  MenuEditorServices{session_, info_, defs, refusing, menus_, braille_, &opener_, nullptr});
   editor.LoadDefs(dir_.Path(L"Set"), L"notepad", false);
   prompts_.answers = {mb::kIdOk};
   editor.cmdOK_Click();
@@ -477,7 +481,8 @@ class RenamingWizard : public IItemWizard {
 
 TEST_F(MenuEditorTest, NewAndEditGoThroughTheWizard) {
   RenamingWizard wizard;
-  fMenuDef editor(view_, prompts_, MenuEditorServices{info_, defs_, profile_, menus_, braille_, nullptr, &wizard});
+  fMenuDef editor(view_, prompts_,
+                  MenuEditorServices{session_, info_, defs_, profile_, menus_, braille_, nullptr, &wizard});
   editor.Form_Load();
   editor.LoadDefs(dir_.Path(L"Set"), L"notepad", false);
 
@@ -509,7 +514,8 @@ TEST_F(MenuEditorTest, NewAndEditGoThroughTheWizard) {
 // not opened and never written; a paste or new item is not put deeper.
 TEST_F(MenuEditorTest, MenusAreAtMost25LevelsDeep) {
   RenamingWizard wizard;
-  fMenuDef editor(view_, prompts_, MenuEditorServices{info_, defs_, profile_, menus_, braille_, nullptr, &wizard});
+  fMenuDef editor(view_, prompts_,
+                  MenuEditorServices{session_, info_, defs_, profile_, menus_, braille_, nullptr, &wizard});
   editor.Form_Load();
   std::vector<std::wstring> captions;
   std::vector<Spec> items;
@@ -521,7 +527,7 @@ TEST_F(MenuEditorTest, MenusAreAtMost25LevelsDeep) {
   }
   WriteMenu(items, levels);
   const std::string bytes = dir_.Read(L"Set\\notepad\\Command.mnu");
-  gCmdScriptPath = L"a.vbs";
+  session_.gCmdScriptPath = L"a.vbs";
   editor.LoadDefs(dir_.Path(L"Set"), L"notepad", false);
   EXPECT_EQ(view_.NodeCount(), 0);
   EXPECT_TRUE(prompts_.asked.empty());
@@ -534,8 +540,8 @@ TEST_F(MenuEditorTest, MenusAreAtMost25LevelsDeep) {
   editor.trvMenu_GotFocus();  // the script waits for the next menu
   editor.mnuNew_Click();
   EXPECT_TRUE(wizard.seen.empty());
-  EXPECT_EQ(gCmdScriptPath, L"a.vbs");
-  gCmdScriptPath.clear();
+  EXPECT_EQ(session_.gCmdScriptPath, L"a.vbs");
+  session_.gCmdScriptPath.clear();
   editor.cmdApply_Click();
   EXPECT_TRUE(editor.Form_QueryUnload());
   EXPECT_EQ(dir_.Read(L"Set\\notepad\\Command.mnu"), bytes);

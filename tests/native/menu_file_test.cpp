@@ -8,11 +8,12 @@
 #include <thread>
 #include <vector>
 
+#include "defs/hot_key.h"
 #include "defs/def_actions.h"
 #include "menu/menu_file.h"
 #include "platform/profile.h"
 #include "platform/text.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 #include "refusing_profile.h"
 #include "menu_records.h"
 #include "temp_folder.h"
@@ -147,7 +148,7 @@ TEST_F(MenuFileTest, ADeeperTreeByteForByte) {
       static_cast<const cMenuItem&>(*read.root),
       [&](const cMenuItem& item, size_t, int) {
         EXPECT_EQ(item.HotKey, rows[i].hotKey) << i;
-        EXPECT_EQ(item.Discard, rows[i].discard && !(rows[i].hotKey & kBrailleBit)) << i;
+        EXPECT_EQ(item.Discard, rows[i].discard && !hotkey::IsBraille(rows[i].hotKey)) << i;
         ++i;
         return true;
       },
@@ -223,7 +224,6 @@ TEST_F(MenuFileTest, EveryCutOfAFileReadsWhatWasWhole) {
 // What the file cannot hold is refused with the reason, never written as
 // "?" or cut short.
 TEST_F(MenuFileTest, WhatTheFileCannotHold) {
-  SetUiLanguage(UiLanguage::English);
   auto deep = cMenuItem::New();
   cMenuItem* last = deep.get();
   for (int i = 0; i < 40000; ++i) last = last->SubItems.Add(1, last, cMenuItem::New()).get();
@@ -308,7 +308,7 @@ class MenuFilesOnDiskTest : public ::testing::Test {
  protected:
   BuiltinCodePage page_{1252};
   PortableProfile profile_{page_};
-  cDefActions defs_{page_, profile_};
+  cMenuFile defs_{page_, profile_};
   test::TempFolder dir_;
 };
 
@@ -349,7 +349,7 @@ TEST_F(MenuFilesOnDiskTest, ReadWriteAndTheBrailleProfile) {
 // save before anything is written.
 TEST_F(MenuFilesOnDiskTest, AFailedSaveNamesTheFileAndWhy) {
   test::RefusingProfile profile(page_, L"Refused");
-  cDefActions defs(page_, profile);
+  cMenuFile defs(page_, profile);
   auto root = cMenuItem::New();
   for (const wchar_t* action : {L"Before", L"Refused", L"After"}) {
     auto item = root->SubItems.Add(1, root.get(), cMenuItem::New());
@@ -420,7 +420,7 @@ TEST_F(MenuFilesOnDiskTest, TwoWritersAtOnceLeaveOneWholeMenu) {
   const std::wstring path = dir_.Path(L"Command.mnu");
   std::atomic<int> running{2};
   auto writer = [&](const cMenuItem& root) {
-    cDefActions defs(page_, profile_);
+    cMenuFile defs(page_, profile_);
     for (int i = 0; i < 100; ++i) EXPECT_TRUE(defs.FlushCommand2Def(path, L"", root));
     --running;
   };

@@ -9,7 +9,7 @@
 #include "platform/text.h"
 #include "startup/command_line.h"
 #include "startup/settings.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 #include "temp_folder.h"
 
 namespace nx {
@@ -43,8 +43,7 @@ class ScribblingWizard : public IItemWizard {
 class NewItemTest : public ::testing::Test {
  protected:
   NewItemTest() {
-    SetUiLanguage(UiLanguage::English);
-    gCmdScriptPath.clear();
+    session_.gCmdScriptPath.clear();
     std::filesystem::create_directories(dir_.Fs() / "Set" / "notepad");
     registry_.WriteString(kProductKey, L"Path", dir_.Path());
     info_.Inicialize(nullptr);
@@ -62,11 +61,12 @@ class NewItemTest : public ::testing::Test {
     add(file, L"Save", L"SaveIt", 0);
     add(add(root.get(), L"Edit", L"", 0), L"Copy", L"CopyIt", 0);
     add(root.get(), L"Quit", L"", 0x00020051);
-    EXPECT_TRUE(defs_.DefActions().FlushCommand2Def(dir_.Path(L"Set\\notepad\\Command.mnu"), L"", *root));
+    EXPECT_TRUE(cMenuFile(defs_.CodePage(), defs_.Profile())
+                    .FlushCommand2Def(dir_.Path(L"Set\\notepad\\Command.mnu"), L"", *root));
     editor_.Form_Load();
     editor_.LoadDefs(dir_.Path(L"Set"), L"notepad", false);
   }
-  ~NewItemTest() override { gCmdScriptPath.clear(); }
+  ~NewItemTest() override { session_.gCmdScriptPath.clear(); }
 
   const cMenuItem* Find(const std::wstring& caption) const {
     const cMenuItem* found = nullptr;
@@ -82,6 +82,7 @@ class NewItemTest : public ::testing::Test {
 
   static constexpr const wchar_t* kStart = L"Application (notepad)(File(Open Save) Edit(Copy) Quit)";
   test::TempFolder dir_;
+  EditSession session_;
   MemoryRegistry registry_;
   cNarrixInfo info_{registry_, L""};
   BuiltinCodePage page_{1252};
@@ -92,7 +93,8 @@ class NewItemTest : public ::testing::Test {
   ScriptedPrompts prompts_;
   FakeEditorView view_;
   ScribblingWizard wizard_;
-  fMenuDef editor_{view_, prompts_, MenuEditorServices{info_, defs_, profile_, menus_, braille_, nullptr, &wizard_}};
+  fMenuDef editor_{view_, prompts_,
+                   MenuEditorServices{session_, info_, defs_, profile_, menus_, braille_, nullptr, &wizard_}};
 };
 
 TEST_F(NewItemTest, CancelledEditChangesNothing) {
@@ -229,7 +231,7 @@ TEST_F(NewItemTest, NewChildOfAnItemWithACommandAsksFirst) {
 // A script path on the command line starts one new item when the tree
 // first gets the focus, not every time.
 TEST_F(NewItemTest, CommandLineScriptStartsNewOnce) {
-  gCmdScriptPath = L"$(appsetdir)\\hello.vbs";
+  session_.gCmdScriptPath = L"$(appsetdir)\\hello.vbs";
   view_.SelectText(L"Quit");
   prompts_.answers = {mb::kIdNo};
   editor_.trvMenu_GotFocus();

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "platform/text.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 
 namespace nx {
 namespace {

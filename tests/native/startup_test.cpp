@@ -6,7 +6,7 @@
 #include "startup/file_helpers.h"
 #include "startup/narrix_info.h"
 #include "startup/settings.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 #include "temp_folder.h"
 
 namespace nx {
@@ -108,7 +108,7 @@ TEST_F(NarrixInfoTest, RegistryValuesWin) {
   EXPECT_FALSE(info_.SRflag());
   EXPECT_FALSE(info_.ExitDirect());
   EXPECT_EQ(info_.GetLogFilter(), 0xFFu & ~kLogKey);
-  EXPECT_EQ(gLogFlags, 0xFFu & ~kLogKey);
+  EXPECT_EQ(info_.LogFlags(), 0xFFu & ~kLogKey);
 
   reg_.WriteString(kMakerKey, L"ExitDirect", L"1");
   info_.Inicialize(&form);
@@ -219,16 +219,14 @@ TEST(StringTable, EveryIdInBothLanguages) {
 }
 
 TEST(StringTable, TextsAndPlaceholders) {
-  SetUiLanguage(UiLanguage::English);
   EXPECT_EQ(LoadResText(505, L"winword"), L"Create a new menu for \"winword\"?");
   EXPECT_EQ(LoadResText(999), L"");
   EXPECT_EQ(LoadResText(612), L"&Edit\tAlt+ENTER");
   EXPECT_EQ(LoadResText(630, L"X").rfind(L"Item X contains action and/or hotkey\r\n\r\nPull-down", 0), 0u);
-  SetUiLanguage(UiLanguage::Czech);
-  EXPECT_EQ(LoadResText(501), L"Úprava nabídky");
-  EXPECT_EQ(LoadResText(1050), L"Špatná instalace programu.");
-  EXPECT_EQ(LoadResText(505, L"winword"), L"Vytvořit novou nabídku pro \"winword\"?");
-  SetUiLanguage(UiLanguage::English);
+  EXPECT_EQ(TableText(501, UiLanguage::Czech), L"Úprava nabídky");
+  EXPECT_EQ(TableText(1050, UiLanguage::Czech), L"Špatná instalace programu.");
+  EXPECT_EQ(ReplaceAll(TableText(505, UiLanguage::Czech), L"%1", L"winword"),
+            L"Vytvořit novou nabídku pro \"winword\"?");
 }
 
 }  // namespace

@@ -12,7 +12,7 @@
 #include "platform/text.h"
 #include "startup/command_line.h"
 #include "startup/settings.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 #include "temp_folder.h"
 #include "wizard/wizard.h"
 
@@ -124,12 +124,11 @@ class OpeningBraille : public IBrailleOpener {
 class WizardTest : public ::testing::Test {
  protected:
   WizardTest() {
-    SetUiLanguage(UiLanguage::English);
-    gCmdScriptPath.clear();
+    session_.gCmdScriptPath.clear();
     registry_.WriteString(kProductKey, L"Path", L"C:\\Narrix");
     info_.Inicialize(nullptr);
-    gMenuDir = L"C:\\Narrix\\Set";
-    gAppName = L"notepad";
+    session_.gMenuDir = L"C:\\Narrix\\Set";
+    session_.gAppName = L"notepad";
     dir_.Write(L"gActions.def", "SayLine;reads the line\r\nSayTime;says the time\r\nBeep\r\n");
     dir_.Write(L"gKeyCode.def", "13=Enter\r\n27=Esc\r\n67=C\r\n74=J\r\n116=F5\r\n121=F10\r\n");
     wizard_.Form_Load();
@@ -150,6 +149,7 @@ class WizardTest : public ::testing::Test {
   }
 
   test::TempFolder dir_;
+  EditSession session_;
   MemoryRegistry registry_;
   cNarrixInfo info_{registry_, L""};
   BuiltinCodePage page_{1252};
@@ -158,7 +158,7 @@ class WizardTest : public ::testing::Test {
   FakeWizardView view_;
   OpenFilePrompts prompts_;
   FakeProcesses processes_;
-  fWizard wizard_{view_, prompts_, processes_, info_, defs_, page_};
+  fWizard wizard_{view_, prompts_, processes_, session_, info_, defs_, page_};
   MenuItemPtr item_ = cMenuItem::New();
 };
 
@@ -218,7 +218,7 @@ TEST_F(WizardTest, UnknownCommandIsEditedAsText) {
 }
 
 TEST_F(WizardTest, ScriptItemsAndTheCommandLinePath) {
-  gCmdScriptPath = L"$(appsetdir)\\hello.vbs";
+  session_.gCmdScriptPath = L"$(appsetdir)\\hello.vbs";
   Start();
   wizard_.cmdNext_Click();
   EXPECT_EQ(view_.kind, WizardKind::Script);  // the command line makes it a script
@@ -230,10 +230,10 @@ TEST_F(WizardTest, ScriptItemsAndTheCommandLinePath) {
   wizard_.cmdNext_Click();
   EXPECT_EQ(item_->Action, L"shell($(appsetdir)\\hello.vbs)");
   wizard_.Form_Unload();
-  EXPECT_EQ(gCmdScriptPath, L"");  // offered to one wizard only
+  EXPECT_EQ(session_.gCmdScriptPath, L"");  // offered to one wizard only
 
   item_->Action = L"SHELL(notepad.exe x.txt)";
-  fWizard again(view_, prompts_, processes_, info_, defs_, page_);
+  fWizard again(view_, prompts_, processes_, session_, info_, defs_, page_);
   again.SetMenuItem(item_.get());
   again.cmdNext_Click();
   EXPECT_EQ(view_.kind, WizardKind::Script);
@@ -259,7 +259,7 @@ TEST_F(WizardTest, BrowseOpenAndTips) {
   wizard_.cmdScriptEdit_Click();
   EXPECT_EQ(processes_.started, (std::vector<std::wstring>{L"notepad.exe C:\\Narrix\\Set\\notepad\\mail.vbs",
                                                            L"C:\\Narrix\\tools\\calc.exe"}));
-  gAppName = L"(Narrix)";
+  session_.gAppName = L"(Narrix)";
   prompts_.chosen.reset();
   wizard_.cmdScriptBrowse_Click();
   EXPECT_EQ(prompts_.folder, L"C:\\Narrix\\Set");
@@ -270,7 +270,7 @@ TEST_F(WizardTest, BrowseOpenAndTips) {
   // the script before goes, as with any new path.
   registry_.WriteString(kProductKey, L"Path", dir_.Path());
   info_.Inicialize(nullptr);
-  gAppName = L"app";
+  session_.gAppName = L"app";
   std::filesystem::create_directories(dir_.Fs() / "set" / "app");
   view_.shown[WizardControl::Form] = true;
   view_.enabled[WizardControl::Open] = false;
@@ -457,7 +457,7 @@ TEST_F(WizardTest, CancelLeavesNoItem) {
 // The command line only suggests a script: once the user has stored a
 // command of their own, going back shows that command, not the suggestion.
 TEST_F(WizardTest, CommandLinePathNeverOverwritesTheUsersChoice) {
-  gCmdScriptPath = L"$(appsetdir)\\hello.vbs";
+  session_.gCmdScriptPath = L"$(appsetdir)\\hello.vbs";
   Start();
   wizard_.cmdNext_Click();
   wizard_.cmdPrev_Click();  // nothing stored yet: still offered
@@ -497,7 +497,7 @@ TEST_F(WizardTest, BackFromTheCommandPageStoresNothing) {
       {L"SayLine", WizardKind::Command}, {L"shell(a.vbs)", WizardKind::Script}, {L"Mine", WizardKind::Command}};
   for (const auto& c : cases) {
     item_->Action = c.action;
-    fWizard wizard(view_, prompts_, processes_, info_, defs_, page_);
+    fWizard wizard(view_, prompts_, processes_, session_, info_, defs_, page_);
     wizard.LoadDefs(dir_.Path(L"gKeyCode.def"), dir_.Path(L"gActions.def"));
     wizard.SetMenuItem(item_.get());
     wizard.cmdNext_Click();
@@ -535,7 +535,7 @@ TEST_F(WizardTest, TextTheCodePageCannotHoldIsRefused) {
   };
   for (const auto& c : cases) {
     BuiltinCodePage codePage(c.codePage);
-    fWizard wizard(view_, prompts_, processes_, info_, defs_, codePage);
+    fWizard wizard(view_, prompts_, processes_, session_, info_, defs_, codePage);
     item_->Caption = c.field == WizardField::Name ? c.text : L"Item";
     const std::wstring action = c.field == WizardField::Name         ? L""
                                 : c.field == WizardField::ScriptPath ? L"shell(a.vbs)"
@@ -591,7 +591,7 @@ TEST_F(WizardTest, NamePageAlwaysOffersNext) {
 TEST_F(WizardTest, FormButtonFollowsTheFormFile) {
   registry_.WriteString(kProductKey, L"Path", dir_.Path());
   info_.Inicialize(nullptr);
-  gAppName = L"app";
+  session_.gAppName = L"app";
   std::filesystem::create_directories(dir_.Fs() / "scripts");
   std::filesystem::create_directories(dir_.Fs() / "Set" / "app");
   dir_.Write(L"scripts\\mail.frm", "");

@@ -17,7 +17,7 @@
 #include "menu/menu_item.h"
 #include "platform/win32_native_menus.h"
 #include "platform/win32_profile.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 
 namespace {
 

@@ -9,9 +9,8 @@
 
 #include "menu/menu_editor.h"
 #include "platform/folders.h"
-#include "startup/command_line.h"
 #include "startup/file_helpers.h"
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 
 namespace nx {
 namespace {
@@ -187,7 +186,8 @@ void fMenuDef::mnuTreeDelete_Click() {
   Refresh(neighbour);
   SetDirty(true);
 
-  const std::wstring script = JoinPath(JoinPath(services_.info.DirSet(), gAppName), removed->Caption + L".vbs");
+  const std::wstring script =
+      JoinPath(JoinPath(services_.info.DirSet(), session_.gAppName), removed->Caption + L".vbs");
   if (FileExists(script) && prompts_.Message(L"Smazat soubor " + removed->Caption + L".vbs?", kYesNoDefaultNo,
                                              LoadResText(kProductTitle)) == mb::kIdYes) {
     std::error_code ignored;
@@ -233,7 +233,7 @@ void fMenuDef::trvMenu_GotFocus() {
   if (pendingNewDone_) return;
   pendingNewDone_ = true;
   if (const auto key = view_.SelectedNode()) trvMenu_NodeClick(*key);
-  if (!gCmdScriptPath.empty()) mnuNew_Click();
+  if (!session_.gCmdScriptPath.empty()) mnuNew_Click();
 }
 
 void fMenuDef::mnuTreeEdit_Click() {

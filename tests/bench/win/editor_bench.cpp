@@ -45,7 +45,7 @@ double Now() {
 }
 
 // Pull-downs of ten entries, every third entry with three of its own.
-void WriteMenu(nx::cDefActions& defs, const std::wstring& file, int items) {
+void WriteMenu(nx::cDefServer& defs, const std::wstring& file, int items) {
   auto root = nx::cMenuItem::New();
   nx::cMenuItem* group = nullptr;
   nx::cMenuItem* entry = nullptr;
@@ -66,7 +66,7 @@ void WriteMenu(nx::cDefActions& defs, const std::wstring& file, int items) {
       group->SubItems.Add(1, group, item);
     }
   }
-  defs.FlushCommand2Def(file, L"", *root);
+  nx::cMenuFile(defs.CodePage(), defs.Profile()).FlushCommand2Def(file, L"", *root);
 }
 
 // One round's times in ms: the editor's operations, and a bare tree view
@@ -79,8 +79,9 @@ struct Round {
 // the menu's nodes while its drawing is suspended, then drawn: what any
 // program pays for showing that many nodes.
 double BareFill(HINSTANCE instance, nx::cDefServer& defs, const std::wstring& file) {
-  defs.DefActions().ItemCounter = 256;
-  const nx::MenuItemPtr root = defs.DefActions().InitCommandDef(file, L"");
+  nx::cMenuFile menus(defs.CodePage(), defs.Profile());
+  menus.ItemCounter = 256;
+  const nx::MenuItemPtr root = menus.InitCommandDef(file, L"");
   HWND frame = CreateWindowExW(0, L"STATIC", L"bare tree", WS_OVERLAPPEDWINDOW, 0, 0, 400, 500, nullptr, nullptr,
                                instance, nullptr);
   HWND tree = CreateWindowExW(
@@ -127,11 +128,11 @@ class Bench {
         items_(items),
         info_(registry_, work),
         defs_(nx::SystemCodePage(), profile_, work + L"\\Set\\"),
-        services_{info_, defs_, profile_, menus_, braille_, nullptr, nullptr} {
+        services_{session_, info_, defs_, profile_, menus_, braille_, nullptr, nullptr} {
     nx::CreateFolder(work);
     nx::CreateFolder(work + L"\\Set");
     nx::CreateFolder(work + L"\\Set\\bench");
-    WriteMenu(defs_.DefActions(), File(), items);
+    WriteMenu(defs_, File(), items);
   }
 
   Round Run() {
@@ -177,6 +178,7 @@ class Bench {
   HINSTANCE instance_;
   std::wstring work_;
   int items_;
+  nx::EditSession session_;
   nx::Win32Registry registry_;
   nx::Win32Profile profile_;
   nx::Win32NativeMenus menus_;

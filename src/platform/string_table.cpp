@@ -1,8 +1,7 @@
-#include "startup/string_table.h"
+#include "platform/string_table.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <optional>
 
 #include "platform/text.h"
 
@@ -16,8 +15,6 @@ namespace {
 const StringEntry kEntries[] = {
 #include "string_table_data.inc"
 };
-
-std::optional<UiLanguage> gLanguage;
 
 [[maybe_unused]] UiLanguage LanguageFromEnvironment() {
   for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
@@ -33,8 +30,6 @@ std::optional<UiLanguage> gLanguage;
 
 const StringEntry* StringTableBegin() { return std::begin(kEntries); }
 const StringEntry* StringTableEnd() { return std::end(kEntries); }
-
-void SetUiLanguage(UiLanguage language) { gLanguage = language; }
 
 std::wstring TableText(int id, UiLanguage language) {
   // The table is generated in id order.
@@ -53,8 +48,7 @@ std::wstring LoadResText(int id) {
   if (length > 0 && text) return std::wstring(text, static_cast<size_t>(length));
   return {};
 #else
-  if (!gLanguage) gLanguage = LanguageFromEnvironment();
-  return TableText(id, *gLanguage);
+  return TableText(id, LanguageFromEnvironment());
 #endif
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "applist/app_select_window.h"
+#include "menu/menu_help.h"
 #include "braille/braille_opener.h"
 #include "braille/win32_busy_notice.h"
 #include "braille/win32_koral.h"
@@ -35,6 +36,33 @@ std::wstring ExecutableFolder() {
   }
 }
 
+// The menu editor as the application list opens it, and the menus' sections
+// of the help page for its export.
+class MenuEditorLauncher final : public nx::IMenuEditorEntry {
+ public:
+  MenuEditorLauncher(HINSTANCE instance, nx::MenuEditorServices services)
+      : instance_(instance), services_(std::move(services)) {}
+  void SetOwner(HWND owner) { owner_ = owner; }
+
+  void EditMenu(const std::wstring& dirSet, const std::wstring& appName, bool general) override {
+    services_.defs.SetFolder(dirSet + L"\\");
+    nx::MenuEditorWindow window(instance_, services_);
+    if (!window.Create(owner_)) return;
+    window.Logic().LoadDefs(dirSet, appName, general);
+    window.RunModal();
+  }
+
+  std::wstring ListDefs(const std::wstring& dirSet, const std::wstring& appName, bool general) override {
+    services_.defs.SetFolder(dirSet + L"\\");
+    return nx::MenuHelpSection(services_.defs, {dirSet, appName, services_.session.gBrailleName, general});
+  }
+
+ private:
+  HINSTANCE instance_;
+  nx::MenuEditorServices services_;
+  HWND owner_ = nullptr;
+};
+
 // COM for the braille component, in this thread's apartment, so that the
 // display's events arrive with the window messages.
 class ComApartment {
@@ -61,21 +89,22 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int) {
   nx::Win32Profile profile;
   nx::Win32NativeMenus menus;
   nx::cNarrixInfo info(registry, ExecutableFolder());
+  nx::EditSession session;
   nx::cDefServer defs(nx::SystemCodePage(), profile, L"");
   nx::Win32KoralFactory koral;
   nx::Win32BusyNotice notice(instance);
   nx::BrailleOpener brailleOpener(koral, profile, info, &notice);
   nx::Win32Processes processes;
-  nx::WizardLauncher wizard(instance, processes, info, defs, &brailleOpener);
+  nx::WizardLauncher wizard(instance, processes, session, info, defs, &brailleOpener);
   // The braille display is opened by the first menu loaded and kept; it is
   // closed before COM goes.
   std::unique_ptr<nx::IBrailleDisplay> braille;
-  nx::MenuEditorLauncher editor(instance,
-                                nx::MenuEditorServices{info, defs, profile, menus, braille, &brailleOpener, &wizard});
+  MenuEditorLauncher editor(
+      instance, nx::MenuEditorServices{session, info, defs, profile, menus, braille, &brailleOpener, &wizard});
   nx::FileSystemFolderOps folders;
   nx::Win32RunningApps runningApps;
   const nx::ICodePage& codePage = nx::SystemCodePage();
-  nx::AppSelectWindow window(instance, info, &editor, nx::AppListPorts{&folders, &runningApps, &codePage});
+  nx::AppSelectWindow window(instance, session, info, &editor, nx::AppListPorts{&folders, &runningApps, &codePage});
   if (!window.Create()) return 1;
   editor.SetOwner(window.Handle());
   window.Show();

@@ -6,7 +6,9 @@
 
 namespace nx {
 
-// The text of `id`, or "" when the id is missing; never fails. "%1" in the
+// The text of `id`, or "" when the id is missing; never fails. Windows picks
+// the language of the resources; elsewhere LC_ALL, LC_MESSAGES or LANG, as
+// they are at the call, do ("cs" and "sk" give Czech). "%1" in the
 // text is left for the caller to replace.
 std::wstring LoadResText(int id);
 
@@ -24,11 +26,6 @@ struct StringEntry {
 // Every entry of the table, in id order, as compiled into the program.
 const StringEntry* StringTableBegin();
 const StringEntry* StringTableEnd();
-
-// Without Windows the language comes from LC_ALL, LC_MESSAGES or LANG
-// ("cs" and "sk" give Czech) unless set here; on Windows the resource
-// lookup picks it and this has no effect.
-void SetUiLanguage(UiLanguage language);
 
 // The text of `id` in `language` from the compiled-in table, "" if missing.
 std::wstring TableText(int id, UiLanguage language);

@@ -1,0 +1,43 @@
+// A menu item's hot key as one 32-bit code, the way the menu file, the key
+// texts, the wizard and nxmenu see it:
+// - a keyboard chord: the key code in the low word and the modifier mask
+//   (Shift 1, Control 2, Alt 4, the screen reader's key 0x2000) in the high
+//   word; 0 is no hot key;
+// - a set of the braille display's buttons: kBrailleBit and one bit per
+//   button in bits 0-29;
+// - a status button: kStatusButton (bits 31 and 30), the button's family in
+//   bits 16-29 and its cell in the low word.
+// The menu file keeps an item's Discard flag in bit 31 of a keyboard chord.
+#pragma once
+
+#include <cstdint>
+
+namespace nx::hotkey {
+
+constexpr uint32_t kBrailleBit = 0x40000000u;
+constexpr uint32_t kDiscardBit = 0x80000000u;
+constexpr uint32_t kStatusButton = kDiscardBit | kBrailleBit;
+constexpr uint32_t kButtonBits = kBrailleBit - 1;
+// The families of status buttons.
+constexpr uint32_t kCursorStatus = 2, kAuxStatus = 4;
+// The modifier mask of a chord.
+constexpr int kShift = 1, kControl = 2, kAlt = 4, kNarrixKey = 0x2000;
+
+constexpr bool IsBraille(int32_t code) { return (static_cast<uint32_t>(code) & kBrailleBit) != 0; }
+
+constexpr int32_t Chord(int key, int mask) {
+  return static_cast<int32_t>((static_cast<uint32_t>(mask & 0xFFFF) << 16) | static_cast<uint32_t>(key & 0xFFFF));
+}
+
+constexpr int32_t Buttons(int32_t buttons) {
+  return static_cast<int32_t>((static_cast<uint32_t>(buttons) & kButtonBits) | kBrailleBit);
+}
+
+constexpr int32_t StatusButton(int32_t cell, uint32_t family) {
+  return static_cast<int32_t>(kStatusButton | (family << 16) | (static_cast<uint32_t>(cell) & 0xFFFFu));
+}
+
+// The code with its braille bit cleared: what the display profile stores.
+constexpr uint32_t WithoutBraille(int32_t code) { return static_cast<uint32_t>(code) & ~kBrailleBit; }
+
+}  // namespace nx::hotkey
