@@ -77,14 +77,16 @@ class IMenuEditorView {
   virtual void Close() = 0;
 };
 
-// Describes one item with the item wizard; true when the user finished it.
-// `root` is the menu the item goes into and `original` the item being
-// edited (null for a new one), so that the wizard can name other items with
-// the same hot key.
+// Describes one item with the item wizard, starting from `fields`: the
+// described fields when the user finished it, nothing when not. `root` is
+// the menu the item goes into and `original` the item being edited (null
+// for a new one), so that the wizard can name other items with the same hot
+// key. The wizard changes nothing of the tree; the editor places the result.
 class IItemWizard {
  public:
   virtual ~IItemWizard() = default;
-  virtual bool Describe(cMenuItem& item, bool isNew, const cMenuItem* root, const cMenuItem* original) = 0;
+  virtual std::optional<ItemFields> Describe(const ItemFields& fields, bool isNew, const cMenuItem* root,
+                                             const cMenuItem* original) = 0;
 };
 
 // What the editor works with; everything must outlive the editor.
@@ -178,11 +180,21 @@ class fMenuDef {
   bool SelectedIsTop() const;
   // Where a paste goes: the selected item, or the top node when none is.
   cMenuItem* PasteTarget() const;
-  // True, after saying why, when the held item cannot go to `target`: a cut
+  // An item going into the tree: the clipboard's (moved when it was cut,
+  // else copied), or a new one (moved in as it is).
+  struct Placing {
+    MenuItemPtr item;
+    bool move = false;
+  };
+  Placing Held() const { return {clipboard_, cut_}; }
+  // The paste of `placing` at the selection: as a child of the top node, or
+  // after asking whether as a child of the selected item.
+  void Paste(const Placing& placing);
+  // True, after saying why, when the item cannot go to `target`: a moved
   // item into its own subtree, or deeper than kMaxMenuLevels.
-  bool PasteRefused(const cMenuItem* target, bool asChild);
-  bool TooDeep(const cMenuItem* target, bool asChild) const;
-  void PasteAt(cMenuItem* target, bool asChild);
+  bool PasteRefused(const Placing& placing, const cMenuItem* target, bool asChild);
+  bool TooDeep(const cMenuItem& item, const cMenuItem* target, bool asChild) const;
+  void PasteAt(const Placing& placing, cMenuItem* target, bool asChild);
   void Tell(const std::wstring& text);
   void CaptionRoot();
 

@@ -88,6 +88,15 @@ class cMenuItems {
   std::vector<std::wstring> keys_;  // empty until an item is added with a key, then beside items_
 };
 
+// What an item says of itself, without its place in the tree: what the item
+// wizard is given and gives back.
+struct ItemFields {
+  std::wstring Caption;
+  std::wstring Action;
+  int32_t HotKey = 0;
+  bool Discard = false;
+};
+
 class cMenuItem : public std::enable_shared_from_this<cMenuItem> {
  public:
   static MenuItemPtr New() { return std::make_shared<cMenuItem>(); }
@@ -104,6 +113,14 @@ class cMenuItem : public std::enable_shared_from_this<cMenuItem> {
   cMenuItems SubItems{this};
   ParentLink Parent;
   int32_t MenuId = 0;
+
+  ItemFields Fields() const { return {Caption, Action, HotKey, Discard}; }
+  void SetFields(const ItemFields& fields) {
+    Caption = fields.Caption;
+    Action = fields.Action;
+    HotKey = fields.HotKey;
+    Discard = fields.Discard;
+  }
 
   // Builds the native pop-up of this item and of every pull-down below it,
   // each command labelled with its caption and, after a tab, the text

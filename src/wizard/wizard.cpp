@@ -73,8 +73,8 @@ void fWizard::SetMenu(const cMenuItem* root, const cMenuItem* original) {
   original_ = original;
 }
 
-void fWizard::SetMenuItem(cMenuItem* item) {
-  item_ = item;
+void fWizard::SetMenuItem(const ItemFields& fields) {
+  item_ = fields;
   PageDisplay();
   PageLayout();
 }
@@ -95,10 +95,9 @@ void fWizard::PageDisplay() {
     case 1:
       view_.SetTitle(captionBase_ + LoadResText(kType));
       if (item_->Action.empty())
-        view_.SetKind(WizardKind::PullDown);
+        ShowKind(WizardKind::PullDown);
       else
-        view_.SetKind(StartsWithNoCase(item_->Action, L"shell") ? WizardKind::Script : WizardKind::Command);
-      Kind_Click(view_.Kind());
+        ShowKind(StartsWithNoCase(item_->Action, L"shell") ? WizardKind::Script : WizardKind::Command);
       break;
     case 2:
       // Back from the hot-key page: the display is for reading again.
@@ -106,7 +105,7 @@ void fWizard::PageDisplay() {
         SetBrailleDisplay(nullptr);
         view_.SetChecked(WizardControl::BrailleHook, false);
       }
-      if (view_.Kind() == WizardKind::Script) {
+      if (kind_ == WizardKind::Script) {
         view_.SetTitle(captionBase_ + LoadResText(kCommand));
         FillScript();
       } else {
@@ -134,15 +133,14 @@ void fWizard::PageLayout() {
       break;
     case 1:
       if (OffersCommandLineScript()) {
-        view_.SetKind(WizardKind::Script);
-        Kind_Click(WizardKind::Script);
+        ShowKind(WizardKind::Script);
         view_.SetScriptPath(session_.gCmdScriptPath);
       }
       view_.ShowPane(WizardPane::Type);
       break;
     case 2:
       view_.SetText(WizardControl::Next, LoadResText(kNext));
-      if (view_.Kind() == WizardKind::Command) {
+      if (kind_ == WizardKind::Command) {
         view_.ShowPane(WizardPane::Command);
       } else {
         if (OffersCommandLineScript()) {
@@ -171,7 +169,7 @@ void fWizard::Move(int step) {
 
 void fWizard::cmdNext_Click() {
   if (!item_) return;
-  if (page_ == 1 && view_.Kind() == WizardKind::PullDown) {
+  if (page_ == 1 && kind_ == WizardKind::PullDown) {
     response_ = 1;
     view_.Close();
     return;
@@ -196,7 +194,7 @@ void fWizard::cmdPrev_Click() {
 }
 
 void fWizard::cmdCANCEL_Click() {
-  item_ = nullptr;
+  item_.reset();
   response_ = 2;
   view_.Close();
 }
@@ -205,7 +203,13 @@ void fWizard::txtName_Change(const std::wstring& text) {
   if (item_) item_->Caption = text;
 }
 
+void fWizard::ShowKind(WizardKind kind) {
+  view_.SetKind(kind);
+  Kind_Click(kind);
+}
+
 void fWizard::Kind_Click(WizardKind kind) {
+  kind_ = kind;
   view_.SetText(WizardControl::Next, LoadResText(kind == WizardKind::PullDown ? kFinish : kNext));
 }
 
@@ -256,12 +260,12 @@ bool fWizard::Storable(WizardField field, const std::wstring& text) {
 
 // The list holds the table's commands, which came from the code page.
 bool fWizard::CommandStorable() {
-  if (view_.Kind() == WizardKind::Script) return Storable(WizardField::ScriptPath, view_.ScriptPath());
+  if (kind_ == WizardKind::Script) return Storable(WizardField::ScriptPath, view_.ScriptPath());
   return view_.CommandListShown() || Storable(WizardField::Command, view_.CommandText());
 }
 
 void fWizard::WriteCommand() {
-  if (view_.Kind() == WizardKind::Script) {
+  if (kind_ == WizardKind::Script) {
     item_->Action = L"shell(" + view_.ScriptPath() + L")";
   } else if (view_.CommandListShown()) {
     const int line = view_.SelectedCommand();
@@ -358,7 +362,7 @@ void fWizard::ShowUsedBy() {
     WalkTree(
         *root_,
         [&](const cMenuItem& other, size_t, int) {
-          if (&other != item_ && &other != original_ && other.HotKey == item_->HotKey)
+          if (&other != original_ && other.HotKey == item_->HotKey)
             users += (users.empty() ? L"" : L", ") + other.Caption;
           return true;
         },

@@ -1,10 +1,12 @@
 // fWizard: describes one menu item page by page: its name, its kind, its
-// command and its hot key. Everything is written into the item it is given;
-// the caller keeps the item when Response() is 1 and drops it otherwise.
+// command and its hot key. It starts from the fields it is given and, when
+// Response() is 1, MenuItem() holds the described fields; the caller places
+// them. Cancel leaves no fields.
 #pragma once
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "braille/braille_display.h"
@@ -61,7 +63,6 @@ class IWizardView {
 
   virtual void SetName(const std::wstring& text) = 0;
   virtual void SetKind(WizardKind kind) = 0;
-  virtual WizardKind Kind() const = 0;
 
   // The command pane: a list of the screen reader's commands, or a free-text
   // field for a command the list does not have.
@@ -104,17 +105,19 @@ class fWizard {
           cDefServer& defs, const ICodePage& codePage);
 
   void Form_Load();
-  // Stores the item and shows the current page.
-  void SetMenuItem(cMenuItem* item);
-  cMenuItem* MenuItem() const { return item_; }
+  // Starts from `fields` and shows the current page.
+  void SetMenuItem(const ItemFields& fields);
+  // The fields as described so far; nothing before SetMenuItem and after
+  // Cancel.
+  const std::optional<ItemFields>& MenuItem() const { return item_; }
   int Response() const { return response_; }
   // "New item" or "Edit item": the start of every window caption.
   void SetCaptionBase(const std::wstring& base);
   void SetTipsCaption(const std::wstring& text);
   void LoadDefs(const std::wstring& keyCodePath, const std::wstring& actionsPath);
   // The menu the item belongs to, so that the hot-key page can name other
-  // items with the same key; `original` is the item being edited (its copy
-  // is what the wizard changes) and is not counted.
+  // items with the same key; `original` is the item being edited and is not
+  // counted.
   void SetMenu(const cMenuItem* root, const cMenuItem* original);
   // Where "Braille keys" gets a display from; null: the box attaches nothing.
   // Must outlive the wizard.
@@ -128,7 +131,9 @@ class fWizard {
   void cmdPrev_Click();
   void cmdCANCEL_Click();
   void txtName_Change(const std::wstring& text);
+  // A kind chosen in the window.
   void Kind_Click(WizardKind kind);
+  WizardKind Kind() const { return kind_; }
   void txtScriptPath_Change(const std::wstring& text);
   // A key pressed in the capture field; true when it was captured (and must
   // go no further).
@@ -154,6 +159,8 @@ class fWizard {
   int Page() const { return page_; }
 
  private:
+  // Chooses `kind` and shows it chosen.
+  void ShowKind(WizardKind kind);
   void PageLayout();
   void PageDisplay();
   void Move(int step);
@@ -184,7 +191,8 @@ class fWizard {
   cDefServer& defs_;
   const ICodePage& codePage_;
   cNarrixActions actions_;
-  cMenuItem* item_ = nullptr;
+  std::optional<ItemFields> item_;
+  WizardKind kind_ = WizardKind::PullDown;
   const cMenuItem* root_ = nullptr;
   const cMenuItem* original_ = nullptr;
   int page_ = 0;

@@ -295,12 +295,6 @@ void WizardWindow::SetKind(WizardKind kind) {
   CheckRadioButton(hwnd_, IDC_OPT_COMMAND, IDC_OPT_PULLDOWN, id);
 }
 
-WizardKind WizardWindow::Kind() const {
-  if (IsDlgButtonChecked(hwnd_, IDC_OPT_COMMAND)) return WizardKind::Command;
-  if (IsDlgButtonChecked(hwnd_, IDC_OPT_SCRIPT)) return WizardKind::Script;
-  return WizardKind::PullDown;
-}
-
 void WizardWindow::ClearCommands() { SendDlgItemMessageW(hwnd_, IDC_LST_COMMAND, LB_RESETCONTENT, 0, 0); }
 
 void WizardWindow::AddCommand(const std::wstring& text, int data) {
@@ -369,18 +363,20 @@ bool WizardWindow::Checked(WizardControl box) const { return IsDlgButtonChecked(
 
 bool WizardWindow::IsKeyDown(int key) const { return GetKeyState(key) < 0; }
 
-bool WizardLauncher::Describe(cMenuItem& item, bool isNew, const cMenuItem* root, const cMenuItem* original) {
+std::optional<ItemFields> WizardLauncher::Describe(const ItemFields& fields, bool isNew, const cMenuItem* root,
+                                                   const cMenuItem* original) {
   WizardWindow window(instance_, processes_, session_, info_, defs_);
-  if (!window.Create(GetActiveWindow())) return false;
+  if (!window.Create(GetActiveWindow())) return std::nullopt;
   fWizard& wizard = window.Logic();
   wizard.SetMenu(root, original);
   wizard.SetCaptionBase(LoadResText(isNew ? 704 : 703));
   wizard.SetTipsCaption(LoadResText(724));
   wizard.LoadDefs(JoinPath(info_.DirSet(), L"gKeyCode.def"), JoinPath(info_.DirSet(), L"gActions.def"));
   wizard.SetBrailleOpener(brailleOpener_);
-  wizard.SetMenuItem(&item);
+  wizard.SetMenuItem(fields);
   window.RunModal();
-  return wizard.Response() == 1;
+  if (wizard.Response() != 1) return std::nullopt;
+  return wizard.MenuItem();
 }
 
 bool Win32Processes::Start(const std::wstring& commandLine) {

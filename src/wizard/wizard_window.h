@@ -28,7 +28,6 @@ class WizardWindow final : public ModalDialog, public IWizardView {
   void Close() override;
   void SetName(const std::wstring& text) override;
   void SetKind(WizardKind kind) override;
-  WizardKind Kind() const override;
   void ClearCommands() override;
   void AddCommand(const std::wstring& text, int data) override;
   void SelectCommand(int line) override;
@@ -91,7 +90,8 @@ class WizardLauncher final : public IItemWizard {
         info_(info),
         defs_(defs),
         brailleOpener_(brailleOpener) {}
-  bool Describe(cMenuItem& item, bool isNew, const cMenuItem* root, const cMenuItem* original) override;
+  std::optional<ItemFields> Describe(const ItemFields& fields, bool isNew, const cMenuItem* root,
+                                     const cMenuItem* original) override;
 
  private:
   HINSTANCE instance_;

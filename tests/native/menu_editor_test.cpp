@@ -472,10 +472,12 @@ class RenamingWizard : public IItemWizard {
   std::wstring newCaption;
   bool finish = true;
   std::vector<std::wstring> seen;
-  bool Describe(cMenuItem& item, bool isNew, const cMenuItem*, const cMenuItem*) override {
+  std::optional<ItemFields> Describe(const ItemFields& item, bool isNew, const cMenuItem*, const cMenuItem*) override {
     seen.push_back((isNew ? L"new " : L"edit ") + item.Caption);
-    if (finish) item.Caption = newCaption;
-    return finish;
+    if (!finish) return std::nullopt;
+    ItemFields renamed = item;
+    renamed.Caption = newCaption;
+    return renamed;
   }
 };
 

@@ -28,13 +28,10 @@ class ScribblingWizard : public IItemWizard {
   bool finish = true;
   std::wstring caption = L"Typed", action = L"SayTime";
   int32_t hotKey = 0x00020043;
-  bool Describe(cMenuItem& item, bool isNew, const cMenuItem*, const cMenuItem*) override {
+  std::optional<ItemFields> Describe(const ItemFields& item, bool isNew, const cMenuItem*, const cMenuItem*) override {
     seen.push_back({item.Caption, item.Action, item.HotKey, item.Discard, isNew});
-    item.Caption = caption;
-    item.Action = action;
-    item.HotKey = hotKey;
-    item.Discard = !item.Discard;
-    return finish;
+    if (!finish) return std::nullopt;
+    return ItemFields{caption, action, hotKey, !item.Discard};
   }
 };
 

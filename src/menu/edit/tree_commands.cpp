@@ -31,10 +31,7 @@ MenuItemPtr DeepCopy(const cMenuItem& source) {
   while (!pending.empty()) {
     auto [from, to] = pending.back();
     pending.pop_back();
-    to->Action = from->Action;
-    to->Discard = from->Discard;
-    to->HotKey = from->HotKey;
-    to->Caption = from->Caption;
+    to->SetFields(from->Fields());
     for (const auto& child : from->SubItems) {
       MenuItemPtr childCopy = to->SubItems.Add(1, to, cMenuItem::New());
       pending.emplace_back(child.get(), childCopy.get());
@@ -74,40 +71,42 @@ cMenuItem* fMenuDef::PasteTarget() const {
   return selected ? selected : root_.get();
 }
 
-bool fMenuDef::TooDeep(const cMenuItem* target, bool asChild) const {
+bool fMenuDef::TooDeep(const cMenuItem& item, const cMenuItem* target, bool asChild) const {
   int level = asChild ? 1 : 0;  // of the pasted item: the top node's children are on level 1
   for (const cMenuItem* at = target; at && at != root_.get(); at = at->Parent) ++level;
-  return level + MenuLevels(*clipboard_) > kMaxMenuLevels;
+  return level + MenuLevels(item) > kMaxMenuLevels;
 }
 
-bool fMenuDef::PasteRefused(const cMenuItem* target, bool asChild) {
+bool fMenuDef::PasteRefused(const Placing& placing, const cMenuItem* target, bool asChild) {
   // A cut item cannot go into its own subtree: taking it out first would
   // take the target with it.
-  if (cut_ && clipboard_->Contains(target)) {
-    Tell(LoadResText(kPasteIntoItself, clipboard_->Caption));
+  if (placing.move && placing.item->Contains(target)) {
+    Tell(LoadResText(kPasteIntoItself, placing.item->Caption));
     return true;
   }
-  if (!TooDeep(target, asChild)) return false;
-  Tell(LoadResText(kTooDeep, clipboard_->Caption));
+  if (!TooDeep(*placing.item, target, asChild)) return false;
+  Tell(LoadResText(kTooDeep, placing.item->Caption));
   return true;
 }
 
-void fMenuDef::mnuTreePaste_Click() {
+void fMenuDef::mnuTreePaste_Click() { Paste(Held()); }
+
+void fMenuDef::Paste(const Placing& placing) {
   cMenuItem* target = PasteTarget();
-  if (!target || !clipboard_) return;
+  if (!target || !placing.item) return;
   if (target == root_.get()) {
-    PasteAt(target, true);
+    PasteAt(placing, target, true);
     return;
   }
   // Refused whatever the answer: said before asking.
-  if (PasteRefused(target, false)) return;
+  if (PasteRefused(placing, target, false)) return;
   for (;;) {
     const int answer =
         prompts_.Message(LoadResText(kSubitemQuestion), kYesNoCancelDefaultNo, LoadResText(kProductTitle));
     // Too deep as a child: asked again, so that a new item is not lost.
-    if (answer == mb::kIdYes && PasteRefused(target, true)) continue;
-    if (answer == mb::kIdYes) PasteAt(target, true);
-    if (answer == mb::kIdNo) PasteAt(target, false);
+    if (answer == mb::kIdYes && PasteRefused(placing, target, true)) continue;
+    if (answer == mb::kIdYes) PasteAt(placing, target, true);
+    if (answer == mb::kIdNo) PasteAt(placing, target, false);
     return;
   }
 }
@@ -115,17 +114,17 @@ void fMenuDef::mnuTreePaste_Click() {
 void fMenuDef::mnuTreePasteAsNext_Click() {
   cMenuItem* target = PasteTarget();
   if (!target || !clipboard_ || target == root_.get()) return;
-  PasteAt(target, false);
+  PasteAt(Held(), target, false);
 }
 
 void fMenuDef::mnuTreePasteAsChild_Click() {
   cMenuItem* target = PasteTarget();
   if (!target || !clipboard_) return;
-  PasteAt(target, true);
+  PasteAt(Held(), target, true);
 }
 
-void fMenuDef::PasteAt(cMenuItem* target, bool asChild) {
-  if (PasteRefused(target, asChild)) return;
+void fMenuDef::PasteAt(const Placing& placing, cMenuItem* target, bool asChild) {
+  if (PasteRefused(placing, target, asChild)) return;
   if (asChild && (!target->Action.empty() || target->HotKey != 0)) {
     if (prompts_.Message(LoadResText(kPullDownQuestion, target->Caption), kYesNoDefaultNo,
                          LoadResText(kProductTitle)) != mb::kIdYes)
@@ -133,13 +132,8 @@ void fMenuDef::PasteAt(cMenuItem* target, bool asChild) {
     target->Action.clear();
     target->HotKey = 0;
   }
-  MenuItemPtr item;
-  if (cut_) {
-    root_->RemoveItem(clipboard_.get());
-    item = clipboard_;
-  } else {
-    item = DeepCopy(*clipboard_);
-  }
+  MenuItemPtr item = placing.move ? placing.item : DeepCopy(*placing.item);
+  if (placing.move) root_->RemoveItem(item.get());
   if (asChild) {
     target->SubItems.AddAsFirst(item);
     item->Parent = target;
@@ -212,21 +206,20 @@ void fMenuDef::MoveSelected(bool down) {
 
 void fMenuDef::mnuNew_Click() {
   if (!services_.wizard || tooDeep_) return;
+  ItemFields fields;
+  fields.Caption = LoadResText(kNewItem);
+  fields.Discard = true;
+  const std::optional<ItemFields> described = services_.wizard->Describe(fields, true, root_.get(), nullptr);
+  if (!described) return;
   MenuItemPtr item = cMenuItem::New();
-  item->Caption = LoadResText(kNewItem);
-  item->HotKey = 0;
-  item->Discard = true;
-  if (!services_.wizard->Describe(*item, true, root_.get(), nullptr)) return;
-  MenuItemPtr kept = clipboard_;
+  item->SetFields(*described);
   if (!root_) {
     root_ = cMenuItem::New();
     CaptionRoot();
     view_.AddNode(NodeKey(root_->MenuId), L"", root_->Caption, false);
     view_.SelectNode(NodeKey(root_->MenuId));
   }
-  clipboard_ = item;
-  mnuTreePaste_Click();
-  clipboard_ = kept;
+  Paste({item, true});
 }
 
 void fMenuDef::trvMenu_GotFocus() {
@@ -239,16 +232,9 @@ void fMenuDef::trvMenu_GotFocus() {
 void fMenuDef::mnuTreeEdit_Click() {
   cMenuItem* item = SelectedItem();
   if (!services_.wizard || !item || SelectedIsTop()) return;
-  MenuItemPtr work = cMenuItem::New();
-  work->Action = item->Action;
-  work->Discard = item->Discard;
-  work->HotKey = item->HotKey;
-  work->Caption = item->Caption;
-  if (!services_.wizard->Describe(*work, false, root_.get(), item)) return;
-  item->Action = work->Action;
-  item->Discard = work->Discard;
-  item->HotKey = work->HotKey;
-  item->Caption = work->Caption;
+  const std::optional<ItemFields> described = services_.wizard->Describe(item->Fields(), false, root_.get(), item);
+  if (!described) return;
+  item->SetFields(*described);
   Refresh(item);
   SetDirty(true);
 }
