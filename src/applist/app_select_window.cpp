@@ -1,6 +1,6 @@
 #include "applist/app_select_window.h"
 
-#include "platform/win32_dialog.h"
+#include "platform/win32/kit.h"
 #include "resource.h"
 
 namespace nx {
@@ -54,8 +54,6 @@ INT_PTR AppSelectWindow::OnMessage(UINT message, WPARAM wParam, LPARAM) {
       OnCommand(LOWORD(wParam), HIWORD(wParam));
       return TRUE;
     case WM_DESTROY:
-      SetWindowLongPtrW(hwnd_, DWLP_USER, 0);
-      hwnd_ = nullptr;
       PostQuitMessage(0);
       return TRUE;
     default:

@@ -5,7 +5,7 @@
 #include <windows.h>
 
 #include "applist/app_select.h"
-#include "platform/win32_prompts.h"
+#include "platform/win32/prompts.h"
 
 namespace nx {
 

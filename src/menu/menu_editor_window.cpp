@@ -1,6 +1,6 @@
 #include "menu/menu_editor_window.h"
 
-#include "platform/win32_dialog.h"
+#include "platform/win32/kit.h"
 #include "resource.h"
 
 namespace nx {
@@ -96,10 +96,6 @@ INT_PTR MenuEditorWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) 
       return TRUE;
     case kTreeFocused:
       logic_.trvMenu_GotFocus();
-      return TRUE;
-    case WM_DESTROY:
-      SetWindowLongPtrW(hwnd_, DWLP_USER, 0);
-      hwnd_ = nullptr;
       return TRUE;
     default:
       return FALSE;
@@ -295,9 +291,10 @@ int MenuEditorWindow::TrackPreview(NativeMenu menu) {
   RECT window{};
   GetWindowRect(hwnd_, &window);
   const int y = window.top + GetSystemMetrics(SM_CYCAPTION);
-  // TPM_RETURNCMD | TPM_NONOTIFY | TPM_RIGHTALIGN | TPM_RECURSE: the menu's
-  // right edge at the window's left edge, the choice returned, no messages.
-  return static_cast<int>(TrackPopupMenuEx(reinterpret_cast<HMENU>(menu), 0x189, window.left, y, hwnd_, nullptr));
+  // The menu's right edge at the window's left edge, the choice returned, no
+  // messages.
+  constexpr UINT kFlags = TPM_RETURNCMD | TPM_NONOTIFY | TPM_RIGHTALIGN | TPM_RECURSE;
+  return static_cast<int>(TrackPopupMenuEx(reinterpret_cast<HMENU>(menu), kFlags, window.left, y, hwnd_, nullptr));
 }
 
 void MenuEditorWindow::Close() { PostMessageW(hwnd_, WM_CLOSE, 0, 0); }

@@ -11,8 +11,8 @@
 #include <string>
 
 #include "menu/menu_editor.h"
-#include "platform/win32_modal_dialog.h"
-#include "platform/win32_prompts.h"
+#include "platform/win32/modal_dialog.h"
+#include "platform/win32/prompts.h"
 
 namespace nx {
 

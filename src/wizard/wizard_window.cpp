@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "platform/code_page.h"
-#include "platform/win32_dialog.h"
+#include "platform/win32/kit.h"
 #include "resource.h"
 #include "startup/file_helpers.h"
 #include "platform/string_table.h"
@@ -129,10 +129,6 @@ INT_PTR WizardWindow::OnMessage(UINT message, WPARAM wParam, LPARAM) {
       // Menu mode, however it is asked for, never starts from the capture
       // field: it would take the keys meant as hot keys.
       return (wParam & 0xFFF0) == SC_KEYMENU && GetFocus() == Item(IDC_HK);
-    case WM_DESTROY:
-      SetWindowLongPtrW(hwnd_, DWLP_USER, 0);
-      hwnd_ = nullptr;
-      return TRUE;
     default:
       return FALSE;
   }
@@ -194,13 +190,7 @@ void WizardWindow::OnCommand(int id, int code) {
   }
 }
 
-std::wstring WizardWindow::TextOf(int id) const {
-  const int length = GetWindowTextLengthW(Item(id));
-  std::wstring text(static_cast<size_t>(length) + 1, L'\0');
-  GetWindowTextW(Item(id), text.data(), length + 1);
-  text.resize(static_cast<size_t>(length));
-  return text;
-}
+std::wstring WizardWindow::TextOf(int id) const { return WindowText(Item(id)); }
 
 // A hidden window is not given the focus: that would activate it, and the
 // dialog would first give the focus back to the control it had.

@@ -4,8 +4,8 @@
 #include <windows.h>
 
 #include "menu/menu_editor.h"
-#include "platform/win32_modal_dialog.h"
-#include "platform/win32_prompts.h"
+#include "platform/win32/modal_dialog.h"
+#include "platform/win32/prompts.h"
 #include "resource.h"
 #include "wizard/wizard.h"
 

@@ -15,8 +15,8 @@
 #include "platform/profile.h"
 #include "platform/text.h"
 #include "menu/menu_item.h"
-#include "platform/win32_native_menus.h"
-#include "platform/win32_profile.h"
+#include "platform/win32/native_menus.h"
+#include "platform/win32/profile.h"
 #include "platform/string_table.h"
 
 namespace {

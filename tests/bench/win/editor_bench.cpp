@@ -14,9 +14,9 @@
 
 #include "menu/menu_editor_window.h"
 #include "platform/folders.h"
-#include "platform/win32_native_menus.h"
-#include "platform/win32_profile.h"
-#include "platform/win32_registry.h"
+#include "platform/win32/native_menus.h"
+#include "platform/win32/profile.h"
+#include "platform/win32/registry.h"
 
 namespace {
 

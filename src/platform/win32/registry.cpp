@@ -1,32 +1,14 @@
-#include "platform/win32_registry.h"
+#include "platform/win32/registry.h"
 
 #include <windows.h>
 
 #include <vector>
 
+#include "platform/win32/kit.h"
+
 namespace nx {
-namespace {
-
-// Closes the key it was given when it goes out of scope.
-class RegKey {
- public:
-  RegKey() = default;
-  RegKey(const RegKey&) = delete;
-  RegKey& operator=(const RegKey&) = delete;
-  ~RegKey() {
-    if (key_) RegCloseKey(key_);
-  }
-  HKEY* Out() { return &key_; }
-  HKEY Get() const { return key_; }
-
- private:
-  HKEY key_ = nullptr;
-};
-
-}  // namespace
-
 std::optional<std::wstring> Win32Registry::Read(const std::wstring& keyPath, const std::wstring& name) const {
-  RegKey key;
+  OwnedKey key;
   if (RegOpenKeyExW(HKEY_CURRENT_USER, keyPath.c_str(), 0, KEY_QUERY_VALUE, key.Out()) != ERROR_SUCCESS)
     return std::nullopt;
   DWORD type = 0, size = 0;
@@ -50,7 +32,7 @@ std::optional<std::wstring> Win32Registry::Read(const std::wstring& keyPath, con
 }
 
 bool Win32Registry::WriteString(const std::wstring& keyPath, const std::wstring& name, const std::wstring& value) {
-  RegKey key;
+  OwnedKey key;
   if (RegCreateKeyExW(HKEY_CURRENT_USER, keyPath.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, key.Out(), nullptr) !=
       ERROR_SUCCESS)
     return false;

@@ -4,7 +4,7 @@
 
 #include <windows.h>
 
-#include "platform/win32_dialog.h"
+#include "platform/win32/kit.h"
 
 namespace nx {
 

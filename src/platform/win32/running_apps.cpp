@@ -1,4 +1,4 @@
-#include "platform/win32_running_apps.h"
+#include "platform/win32/running_apps.h"
 
 #include <windows.h>
 #include <psapi.h>
@@ -8,27 +8,10 @@
 #include <vector>
 
 #include "platform/text.h"
+#include "platform/win32/kit.h"
 
 namespace nx {
 namespace {
-
-// Closes the handle it was given when it goes out of scope. Snapshots fail
-// with INVALID_HANDLE_VALUE and OpenProcess with nullptr, so both count as
-// "nothing to close".
-class ScopedHandle {
- public:
-  explicit ScopedHandle(HANDLE handle) : handle_(handle) {}
-  ScopedHandle(const ScopedHandle&) = delete;
-  ScopedHandle& operator=(const ScopedHandle&) = delete;
-  ~ScopedHandle() {
-    if (Valid()) CloseHandle(handle_);
-  }
-  bool Valid() const { return handle_ != nullptr && handle_ != INVALID_HANDLE_VALUE; }
-  HANDLE Get() const { return handle_; }
-
- private:
-  HANDLE handle_;
-};
 
 // The executable name as the list knows it: "WINWORD.EXE" becomes "WINWORD".
 std::wstring BaseName(const wchar_t* exeFile) {
@@ -40,7 +23,7 @@ std::wstring BaseName(const wchar_t* exeFile) {
 // Returning 0 for "none" is safe: process 0 is the idle process, which
 // cannot be opened, so it would end in "" anyway.
 DWORD FindProcess(const std::wstring& upperName) {
-  ScopedHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+  OwnedHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
   if (!snapshot.Valid()) return 0;
   PROCESSENTRY32W entry{};
   entry.dwSize = sizeof(entry);
@@ -52,7 +35,7 @@ DWORD FindProcess(const std::wstring& upperName) {
 
 // The full path of the process's executable, which is its first module.
 std::wstring ExecutablePath(DWORD processId) {
-  ScopedHandle process(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, processId));
+  OwnedHandle process(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, processId));
   if (!process.Valid()) return {};
   HMODULE module = nullptr;
   DWORD needed = 0;

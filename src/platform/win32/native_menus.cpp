@@ -1,4 +1,4 @@
-#include "platform/win32_native_menus.h"
+#include "platform/win32/native_menus.h"
 
 #include <windows.h>
 

@@ -1,9 +1,10 @@
-#include "platform/win32_prompts.h"
+#include "platform/win32/prompts.h"
 
 #include <commdlg.h>
 
 #include "resource.h"
 #include "platform/string_table.h"
+#include "platform/win32/kit.h"
 
 namespace nx {
 
@@ -60,10 +61,7 @@ INT_PTR CALLBACK InputBoxProc(HWND dialog, UINT message, WPARAM wParam, LPARAM l
     case WM_COMMAND:
       if (LOWORD(wParam) == IDOK) {
         auto* request = reinterpret_cast<InputRequest*>(GetWindowLongPtrW(dialog, DWLP_USER));
-        const int length = GetWindowTextLengthW(GetDlgItem(dialog, IDC_INPUT_TEXT));
-        request->answer.assign(static_cast<size_t>(length) + 1, L'\0');
-        GetDlgItemTextW(dialog, IDC_INPUT_TEXT, request->answer.data(), length + 1);
-        request->answer.resize(static_cast<size_t>(length));
+        request->answer = WindowText(GetDlgItem(dialog, IDC_INPUT_TEXT));
         EndDialog(dialog, IDOK);
         return TRUE;
       }
