@@ -13,7 +13,7 @@ namespace nx {
 namespace {
 
 constexpr int kCaption = 501, kListLabel = 502, kEdit = 503, kGeneralMenu = 504, kCreateMenuQuestion = 505;
-constexpr int kCancel = 101, kBadInstallation = 1050, kProductTitle = 2053;
+constexpr int kCancel = 101, kBadInstallation = 1050;
 constexpr int kNewNameLabel = 650, kNameEmpty = 651, kNameBadCharacter = 652, kNameDots = 653, kNameReserved = 654;
 constexpr int kNameTaken = 655, kGeneralFixed = 656, kRename = 657, kRemove = 658, kAddVersion = 659, kExport = 660;
 constexpr int kNothingRenamed = 664, kNoMenuCreated = 665, kFileInTheWay = 668, kNotCreated = 669;

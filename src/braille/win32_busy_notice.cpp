@@ -7,7 +7,6 @@ namespace nx {
 
 namespace {
 
-constexpr int kProductTitle = 2053;
 // How long the new notice answers questions before the thread goes busy.
 constexpr DWORD kReadingTimeMs = 300;
 

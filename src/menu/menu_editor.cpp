@@ -17,7 +17,7 @@ namespace {
 constexpr int kTitle = 601, kTreeLabel = 602, kName = 603, kCommand = 604, kHotKey = 605, kNew = 606, kApply = 608;
 constexpr int kCopy = 610, kCut = 611, kEdit = 612, kDelete = 613, kPaste = 614, kPasteNext = 615, kPasteChild = 616;
 constexpr int kItemMenu = 617, kSaveQuestion = 635, kOk = 100, kCancel = 101, kGeneral = 2051, kApplication = 2052;
-constexpr int kProductTitle = 2053, kPreview = 640, kDamaged = 641, kNotSaved = 642, kMoveUp = 643, kMoveDown = 644;
+constexpr int kPreview = 640, kDamaged = 641, kNotSaved = 642, kMoveUp = 643, kMoveDown = 644;
 constexpr int kTooDeepFile = 662, kBackupFailed = 666, kReasonUnknown = 667;
 
 // Message 642: the file and why it could not be written, each put in once,

@@ -15,6 +15,9 @@ std::wstring LoadResText(int id);
 // The same text with every "%1" replaced by `arg`.
 std::wstring LoadResText(int id, const std::wstring& arg);
 
+// The program's name: the title of every message box it shows.
+constexpr int kProductTitle = 2053;
+
 enum class UiLanguage { English, Czech };
 
 struct StringEntry {

@@ -15,7 +15,7 @@ constexpr int kNarrixCommand = 709, kNameLabel = 710, kTypeFrame = 711, kOptComm
 constexpr int kOptPullDown = 714, kCommandLabel = 715, kScriptLabel = 717, kOpen = 718, kBrowse = 719;
 constexpr int kDiscard = 722, kHotKeyLabel = 723, kDelete = 725, kCancel = 101, kGeneralMenu = 504;
 constexpr int kUsedBy = 645, kForm = 646, kBraille = 647, kBrailleHook = 648;
-constexpr int kUnstorable = 726, kProductTitle = 2053;
+constexpr int kUnstorable = 726;
 
 }  // namespace
 

@@ -17,7 +17,6 @@ namespace {
 
 constexpr int kNewItem = 704, kPullDownQuestion = 630, kSubitemQuestion = 631, kWholeMenuQuestion = 632;
 constexpr int kRemoveQuestion = 633, kRemoveAllQuestion = 634, kPasteIntoItself = 661, kTooDeep = 663;
-constexpr int kProductTitle = 2053;
 // Yes/No with No as the default; Yes/No/Cancel with No as the default.
 constexpr unsigned kYesNoDefaultNo = mb::kYesNo | mb::kIconQuestion | mb::kDefaultButton2;
 constexpr unsigned kYesNoCancelDefaultNo = mb::kYesNoCancel | mb::kIconQuestion | mb::kDefaultButton2;
