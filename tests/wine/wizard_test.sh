@@ -46,6 +46,16 @@ press() { sleep 0.7; xdotool key "$@"; }
 page() { probe visible "$1" | grep -q . || fail "no page '$1'"; }
 # xdotool reads the text in a UTF-8 locale whatever the language of the test.
 type_text() { sleep 0.7; LC_ALL=C.UTF-8 xdotool type --delay 60 "$1"; }
+# Types $1 over the whole name field until the field holds it: xdotool maps a
+# character missing from the keyboard map onto a spare key for a moment, and
+# on a loaded machine the window may read that key after it is mapped back.
+type_name() {
+  for _ in 1 2 3; do
+    press End shift+Home; type_text "$1"
+    probe visible "$new_name" | grep -qxF "1302 Edit $1" && return
+  done
+  fail "the name field never held '$1'"
+}
 
 nx_session_start "$WORK" || exit 1
 nx_set_install "$WORK/install"
@@ -59,7 +69,7 @@ pid=$!
 
 # 1. The pending new item: a script from the command line.
 expect_line "the wizard opens for the script of the command line" visible "$new_name" "$fresh"
-type_text HelloΩ
+type_name HelloΩ
 press Return  # neither code page 1252 nor 1250 has the Omega
 expect_line "a character the code page lacks is refused" message "Narrix - Screen Reader" "text: $unstorable"
 press Return; press BackSpace  # it is selected in the field again
