@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/win32/kit.h"
+
 namespace nx {
 
 namespace {
@@ -16,39 +18,6 @@ constexpr wchar_t kScreenReaderWindow[] = L"WindowsNarrix";
 
 // The component's event numbers on its display's event interface.
 constexpr DISPID kBtnNormal = 1, kBtnCusorStatus = 2, kBtnAuxStatus = 3;
-
-// One counted reference; released when it goes.
-template <typename T>
-class ComRef {
- public:
-  ComRef() = default;
-  explicit ComRef(T* p) : p_(p) {}  // takes over a reference
-  ~ComRef() { Reset(); }
-  ComRef(ComRef&& other) noexcept : p_(std::exchange(other.p_, nullptr)) {}
-  ComRef& operator=(ComRef&& other) noexcept {
-    if (this != &other) {
-      Reset();
-      p_ = std::exchange(other.p_, nullptr);
-    }
-    return *this;
-  }
-  ComRef(const ComRef&) = delete;
-  ComRef& operator=(const ComRef&) = delete;
-
-  void Reset() {
-    if (p_) std::exchange(p_, nullptr)->Release();
-  }
-  T* Get() const { return p_; }
-  T* operator->() const { return p_; }
-  T** Out() {
-    Reset();
-    return &p_;
-  }
-  explicit operator bool() const { return p_ != nullptr; }
-
- private:
-  T* p_ = nullptr;
-};
 
 // A VARIANT that clears itself.
 struct Variant {

@@ -1,11 +1,13 @@
-// The program's small kit for Windows: one owner for handles, a window's
-// text, the one dialog procedure of its windows, and the modifiers held.
+// The program's small kit for Windows: one owner for handles and one for COM
+// references, a window's text, the one dialog procedure of its windows, and
+// the modifiers held.
 #pragma once
 
 #include <windows.h>
 
 #include <string>
 #include <type_traits>
+#include <utility>
 
 #include "platform/keys.h"
 
@@ -38,6 +40,39 @@ class Owned {
 
 using OwnedHandle = Owned<HANDLE, &CloseHandle>;
 using OwnedKey = Owned<HKEY, &RegCloseKey>;
+
+// One counted reference to a COM object; released when it goes.
+template <typename T>
+class ComRef {
+ public:
+  ComRef() = default;
+  explicit ComRef(T* p) : p_(p) {}  // takes over a reference
+  ~ComRef() { Reset(); }
+  ComRef(ComRef&& other) noexcept : p_(std::exchange(other.p_, nullptr)) {}
+  ComRef& operator=(ComRef&& other) noexcept {
+    if (this != &other) {
+      Reset();
+      p_ = std::exchange(other.p_, nullptr);
+    }
+    return *this;
+  }
+  ComRef(const ComRef&) = delete;
+  ComRef& operator=(const ComRef&) = delete;
+
+  void Reset() {
+    if (p_) std::exchange(p_, nullptr)->Release();
+  }
+  T* Get() const { return p_; }
+  T* operator->() const { return p_; }
+  T** Out() {
+    Reset();
+    return &p_;
+  }
+  explicit operator bool() const { return p_ != nullptr; }
+
+ private:
+  T* p_ = nullptr;
+};
 
 // The text of a window or control; "" when it has none.
 inline std::wstring WindowText(HWND hwnd) {
