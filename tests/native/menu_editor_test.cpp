@@ -384,6 +384,7 @@ TEST_F(MenuEditorTest, PlacingAsksWhereAndAboutPullDowns) {
     if (c.at) view_.SelectText(c.at);
     editor_->Run(c.command);
     EXPECT_EQ(Tree(), c.tree) << WideToUtf8(at);
+    EXPECT_EQ(editor_->Dirty(), Tree() != kStart) << WideToUtf8(at);
     ASSERT_EQ(prompts_.asked.size(), c.answers.size()) << WideToUtf8(at);
     if (!c.answers.empty()) {
       EXPECT_EQ(prompts_.asked[0].text, L"Save as subitem?");

@@ -195,6 +195,10 @@ TEST_F(WizardTest, PagesTitlesAndTheNextButton) {
     const auto moves = std::count(keys.begin(), keys.end(), 'n') + std::count(keys.begin(), keys.end(), 'b');
     EXPECT_EQ(view_.hides, moves - (c.response == 1)) << keys;
   }
+  Restart(L"");
+  Go("b");  // there is nothing before the name page
+  EXPECT_EQ(wizard_->Page(), 0);
+  EXPECT_EQ(view_.hides, 0);
 }
 
 TEST_F(WizardTest, TheCommandPageShowsTheListOrTheText) {
