@@ -1,6 +1,7 @@
 # make run   the program under Wine on the demo installation (ARGS='notepad/Focus 40')
 # make test  every test: native, then the Windows build under Wine
 # make dist  the MSI and the zip for Windows users, in build/dist
+# make mutants  how many small faults of tests/mutants.txt the native suite catches (not part of make test)
 BUILD := build
 NATIVE := $(BUILD)/native
 WIN := $(BUILD)/win64
@@ -11,7 +12,7 @@ ASAN := $(BUILD)/asan
 FUZZ := $(BUILD)/fuzz
 FUZZ_SECONDS ?= 60
 
-.PHONY: all setup native win dist run test test-native test-asan test-wine fuzz bench screenshots clean
+.PHONY: all setup native win dist run test test-native test-asan test-wine fuzz bench mutants screenshots clean
 
 all: native win
 
@@ -81,6 +82,12 @@ bench: native win
 	$(NATIVE)/bin/menu_bench --benchmark_min_time=1
 	$(NATIVE)/bin/export_bench --benchmark_min_time=1
 	bash tests/wine/run_exe.sh $(BUILD)/editor-bench $(WIN)/bin/editor_bench.exe @WORK
+
+# The native suite against each fault of tests/mutants.txt, in a copy of the
+# source in $(BUILD)/mutants (docs/testing.md); MUTANTS_ONLY="m03 m17" runs
+# some, MUTANTS_WINE=1 adds the window code's faults and their Wine journeys.
+mutants: setup
+	JOBS=$(JOBS) bash scripts/mutants.sh $(BUILD)
 
 screenshots: win
 	bash scripts/screenshots.sh $(WIN)/bin $(NATIVE)/demo $(BUILD)/screenshots docs
