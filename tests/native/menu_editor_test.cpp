@@ -534,6 +534,8 @@ TEST_F(MenuEditorTest, AFailedSaveKeepsTheWindowAndTheEdits) {
   EXPECT_FALSE(view_.closed);
   EXPECT_TRUE(editor_->Dirty());
   EXPECT_NE(prompts_.asked.back().text.find(L"could not be saved"), std::wstring::npos);
+  prompts_.answers = {Yes, Ok};  // "Save changes?" on closing: the window stays too
+  EXPECT_FALSE(editor_->Form_QueryUnload());
 
   // Braille codes the profile cannot keep are a failed save too.
   std::filesystem::create_directories(dir_.Fs() / "Set" / "notepad");

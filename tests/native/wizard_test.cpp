@@ -316,7 +316,8 @@ TEST_F(WizardTest, HotKeyCapture) {
       {16, 1, {}, false, 0x40000005, L""},  // modifiers alone change nothing
       {16, 0, {}, false, 0x40000005, L"", true},
       {45, 0, {45}, false, 0x40000005, L""},
-      {9, 0, {}, false, 0x40000005, L""},  // Tab leaves the field
+      {9, 0, {}, false, 0x40000005, L""},  // Tab and Shift+Tab leave the field
+      {9, 1, {}, false, 0x40000005, L""},
       {67, 2, {}, true, 0x00020043, L"C+C"},
       {74, 0, {45}, true, 0x2000004A, L"Narrix+J"},
       {116, 5, {145}, true, 0x20050074, L"Narrix+A+S+F5"},
