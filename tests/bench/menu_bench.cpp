@@ -254,20 +254,10 @@ std::vector<int32_t> MixedCodes() {
   for (int i = 0; i < 1000000; ++i) {
     seed = seed * 1103515245u + 12345u;
     const uint32_t r = seed >> 8;
-    switch (r % 4) {
-      case 0:
-        codes.push_back(static_cast<int32_t>(r % 256));
-        break;  // plain key
-      case 1:
-        codes.push_back(static_cast<int32_t>(((r % 8) << 16) | (r % 256)));
-        break;  // with modifiers
-      case 2:
-        codes.push_back(static_cast<int32_t>(0x20000000 | ((r % 8) << 16) | (r % 256)));
-        break;
-      default:
-        codes.push_back(static_cast<int32_t>(0x40000000 | (r & 0x3FF)));
-        break;  // braille buttons
-    }
+    // A plain key, one with modifiers, one with Narrix as well, a braille button.
+    const uint32_t kinds[] = {r % 256, ((r % 8) << 16) | (r % 256), 0x20000000 | ((r % 8) << 16) | (r % 256),
+                              0x40000000 | (r & 0x3FF)};
+    codes.push_back(static_cast<int32_t>(kinds[r % 4]));
   }
   return codes;
 }

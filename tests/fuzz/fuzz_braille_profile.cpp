@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -31,14 +30,7 @@ std::string MenuNaming(std::string_view profile) {
     menu += action;
   };
   record("");
-  for (size_t start = 0; start < profile.size();) {
-    size_t end = profile.find('\n', start);
-    if (end == std::string_view::npos) end = profile.size();
-    const std::string_view line = profile.substr(start, end - start);
-    const size_t equals = line.find('=');
-    if (equals != std::string_view::npos) record(line.substr(0, equals));
-    start = end + 1;
-  }
+  nx::fuzz::ForEachKey(profile, [&record](std::string_view key) { return record(key), true; });
   return menu;
 }
 
@@ -56,24 +48,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   uint32_t code = 0;
   if (size >= 4) std::memcpy(&code, data, 4);
   for (uint32_t variant : {code | 0x40000000u, (code | 0x40000000u) & 0x7FFFFFFFu, 0xC0020000u | (code & 0xFFFF),
-                           0xC0040000u | (code & 0x7FFF)}) {
-    int32_t value = static_cast<int32_t>(variant);
-    try {
-      defs.GetKeyCodeAsTextEx(L"", value);
-    } catch (const std::overflow_error&) {
-    }
-  }
+                           0xC0040000u | (code & 0x7FFF)})
+    nx::fuzz::KeyText(defs, L"", static_cast<int32_t>(variant));
   // Codes written at once leave the profile as writing them one by one, the
   // file read again after each, does.
   std::vector<std::pair<std::wstring, std::wstring>> codes;
-  for (size_t start = 0; start < bytes.size() && codes.size() < 8;) {
-    size_t end = bytes.find('\n', start);
-    if (end == std::string_view::npos) end = bytes.size();
-    const std::string_view line = bytes.substr(start, end - start);
-    if (line.find('=') != std::string_view::npos)
-      codes.emplace_back(page.ToWide(line.substr(0, line.find('='))), std::to_wstring(codes.size()));
-    start = end + 1;
-  }
+  nx::fuzz::ForEachKey(bytes, [&](std::string_view key) {
+    codes.emplace_back(page.ToWide(key), std::to_wstring(codes.size()));
+    return codes.size() < 8;
+  });
   nx::ProfileDocument atOnce = nx::ProfileDocument::Parse(std::string(bytes), page), oneByOne = atOnce;
   atOnce.WriteKeys(L"Actions", codes);
   for (const auto& [key, value] : codes) {

@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <stdexcept>
 
 #include "defs/def_actions.h"
 #include "scratch_file.h"
@@ -19,11 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   for (size_t at = 0; at + 4 <= size && at < 64; at += 4) {
     uint32_t code;
     std::memcpy(&code, data + at, 4);
-    int32_t value = static_cast<int32_t>(code & 0xBFFFFFFFu);  // keyboard codes only
-    try {
-      defs.GetKeyCodeAsTextEx(table.Path(), value);
-    } catch (const std::overflow_error&) {
-    }
+    nx::fuzz::KeyText(defs, table.Path(), static_cast<int32_t>(code & 0xBFFFFFFFu));  // keyboard codes only
   }
   return 0;
 }

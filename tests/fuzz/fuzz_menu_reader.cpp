@@ -8,15 +8,11 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static const nx::BuiltinCodePage page(1250);
-  int32_t counter = 0;
-  const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-  auto read = nx::ParseMenu(
-      bytes, page, [](const std::wstring& a) { return static_cast<int32_t>(a.size()); }, counter);
-  auto written = nx::SerializeMenu(*read.root, page, nullptr);
-  if (written) {
-    int32_t again = 0;
-    auto reread = nx::ParseMenu(
-        *written, page, [](const std::wstring& a) { return static_cast<int32_t>(a.size()); }, again);
+  const auto code = [](const std::wstring& a) { return static_cast<int32_t>(a.size()); };
+  int32_t counter = 0, again = 0;
+  auto read = nx::ParseMenu({reinterpret_cast<const char*>(data), size}, page, code, counter);
+  if (auto written = nx::SerializeMenu(*read.root, page, nullptr)) {
+    auto reread = nx::ParseMenu(*written, page, code, again);
     if (!reread.complete || nx::SerializeMenu(*reread.root, page, nullptr) != written) __builtin_trap();
   }
   return 0;

@@ -4,12 +4,34 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
+#include "defs/def_actions.h"
+
 namespace nx::fuzz {
+
+// The part before "=" of every line of `bytes` that holds one, until `f` says stop.
+template <typename F>
+void ForEachKey(std::string_view bytes, F f) {
+  for (size_t start = 0, end = 0; start < bytes.size(); start = end + 1) {
+    end = std::min(bytes.find('\n', start), bytes.size());
+    const std::string_view line = bytes.substr(start, end - start);
+    if (line.find('=') != std::string_view::npos && !f(line.substr(0, line.find('=')))) return;
+  }
+}
+
+// The text of a hot key, which may be too long to make.
+inline void KeyText(cDefActions& defs, const std::wstring& table, int32_t code) {
+  try {
+    defs.GetKeyCodeAsTextEx(table, code);
+  } catch (const std::overflow_error&) {
+  }
+}
 
 class ScratchFile {
  public:

@@ -73,6 +73,7 @@ TEST_F(MenuFileTest, TheTwoItemExampleByteForByte) {
       "\x08\x00"
       "open.vbs"s;
   EXPECT_EQ(Serialize(*root), expected);
+  EXPECT_EQ(Record(0, 0, "File") + Record(1, 0x123, "Open", "open.vbs"), expected);  // as the tables below spell files
   const auto read = Parse(expected);
   EXPECT_TRUE(read.complete);
   EXPECT_EQ(Shape(*read.root), "File[256](Open[257])");
@@ -90,39 +91,11 @@ TEST_F(MenuFileTest, ADeeperTreeByteForByte) {
     bool discard;
     std::string record;
   } rows[] = {
-      {0, L"File", L"", 0, false,
-       "\x00\x00"
-       "\x00\x00\x00\x00"
-       "\x04\x00"
-       "File"
-       "\x00\x00"s},
-      {1, L"Open", L"open.vbs", 0x00020041, true,  // C+A, discarded
-       "\x01\x00"
-       "\x41\x00\x02\x80"
-       "\x04\x00"
-       "Open"
-       "\x08\x00"
-       "open.vbs"s},
-      {2, L"Beep", L"Beep", 0x4000012A, true,  // a braille button keeps no Discard
-       "\x02\x00"
-       "\x2A\x01\x00\x40"
-       "\x04\x00"
-       "Beep"
-       "\x04\x00"
-       "Beep"s},
-      {1, L"Close", L"Quit", 0x20000074, false,  // Narrix+F5
-       "\x01\x00"
-       "\x74\x00\x00\x20"
-       "\x05\x00"
-       "Close"
-       "\x04\x00"
-       "Quit"s},
-      {0, L"Help", L"", 0, false,
-       "\x00\x00"
-       "\x00\x00\x00\x00"
-       "\x04\x00"
-       "Help"
-       "\x00\x00"s},
+      {0, L"File", L"", 0, false, Record(0, 0, "File")},
+      {1, L"Open", L"open.vbs", 0x00020041, true, Record(1, 0x80020041u, "Open", "open.vbs")},  // C+A, discarded
+      {2, L"Beep", L"Beep", 0x4000012A, true, Record(2, 0x4000012Au, "Beep", "Beep")},     // a button keeps no Discard
+      {1, L"Close", L"Quit", 0x20000074, false, Record(1, 0x20000074u, "Close", "Quit")},  // Narrix+F5
+      {0, L"Help", L"", 0, false, Record(0, 0, "Help")},
   };
   auto root = cMenuItem::New();
   std::vector<cMenuItem*> parents{root.get()};

@@ -206,14 +206,11 @@ class FakeMenus : public INativeMenus {
 
 TEST(MenuItem, CreateMenuBuildsNestedPopups) {
   FakeMenus menus;
-  auto root = Item(L"root");
-  auto file = Child(*root, L"File");
-  auto sub = Child(*file, L"Sub");
-  auto deep = Child(*sub, L"Deep");
+  auto root = Item(L"root");  // the tree alone holds the other items
+  cMenuItem* deep = Child(*Child(*Child(*root, L"File"), L"Sub"), L"Deep").get();
   deep->MenuId = 7;
   deep->HotKey = 5;
-  auto plain = Child(*root, L"Plain");
-  plain->MenuId = 9;
+  Child(*root, L"Plain")->MenuId = 9;
   auto text = [](int32_t code) { return code ? L"key" + std::to_wstring(code) : std::wstring(); };
 
   EXPECT_EQ(root->CreateMenu(menus, text), 100u);
@@ -226,10 +223,6 @@ TEST(MenuItem, CreateMenuBuildsNestedPopups) {
   root->DestroyMenu();
   root->DestroyMenu();  // nothing is destroyed twice
   root.reset();
-  file.reset();
-  sub.reset();
-  deep.reset();
-  plain.reset();
   EXPECT_EQ(menus.live, 0);  // every pop-up destroyed exactly once
 }
 

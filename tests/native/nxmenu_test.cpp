@@ -7,8 +7,10 @@
 #include <cstring>
 #include <cwchar>
 #include <string>
+#include <vector>
 
 #include "menu_records.h"
+#include "platform/text.h"
 #include "temp_folder.h"
 
 namespace nx {
@@ -75,26 +77,27 @@ TEST(Nxmenu, ProblemsAndExitCodes) {
   dir.Write(L"broken.json", "{\"items\": [");
   // Not well-formed UTF-8, byte by byte, and surrogates that stand for no character.
   const struct {
-    const wchar_t* name;
-    std::string text;
-  } notUtf8[] = {{L"lead.json", "\xFF"},
-                 {L"continuation.json", "\xC3("},
-                 {L"cut.json", "\xE2\x82"},
-                 {L"overlong.json", "\xC0\xAF"},
-                 {L"surrogate.json", "\xED\xA0\x80"},
-                 {L"above.json", "\xF4\x90\x80\x80"},
-                 {L"high.json", "\\ud800"},
-                 {L"low.json", "\\udc00"},
-                 {L"unpaired.json", "\\ud800\\u0041"}};
-  for (const auto& bad : notUtf8) dir.Write(bad.name, "{\"items\": [{\"caption\": \"a" + bad.text + "\"}]}");
+    std::string name, text, message;
+  } notUtf8[] = {{"lead.json", "\xFF", "line 1, column 26: not UTF-8 (byte 0xFF"},
+                 {"continuation.json", "\xC3(", "column 26: not UTF-8 (byte 0xC3"},
+                 {"cut.json", "\xE2\x82", "column 26: not UTF-8 (byte 0xE2"},
+                 {"overlong.json", "\xC0\xAF", "column 26: not UTF-8 (byte 0xC0"},
+                 {"surrogate.json", "\xED\xA0\x80", "column 26: not UTF-8 (byte 0xED"},
+                 {"above.json", "\xF4\x90\x80\x80", "column 26: not UTF-8 (byte 0xF4"},
+                 {"high.json", "\\ud800", "high surrogate without its low surrogate"},
+                 {"low.json", "\\udc00", "lone low surrogate"},
+                 {"unpaired.json", "\\ud800\\u0041", "high surrogate without its low surrogate"}};
+  for (const auto& bad : notUtf8)
+    dir.Write(Utf8ToWide(bad.name), "{\"items\": [{\"caption\": \"a" + bad.text + "\"}]}");
   dir.Write(L"dup.json", R"({"items": [{"caption": "Tools", "action": "x", "hotKey": 65, "items": [
       {"caption": "A", "action": "SayLine", "hotKey": 66}, {"caption": "B", "action": "SayWord", "hotKey": 66}]}]})");
   const std::string d = dir.Fs().string() + "/";
-  const struct {
+  struct Case {
     std::string args;
     int status;
     std::string message;
-  } cases[] = {
+  };
+  std::vector<Case> cases = {
       {"", 2, "no command"},
       {"frobnicate", 2, "unknown command frobnicate"},
       {"dump", 2, "give one menu file"},
@@ -104,15 +107,6 @@ TEST(Nxmenu, ProblemsAndExitCodes) {
       {"from-json " + d + "bad.json " + d + "out.mnu", 1, "items[0].hotKey: must be a whole number"},
       {"from-json " + d + "broken.json " + d + "out.mnu", 1, "line 1, column 12: the document ends too early"},
       {"from-json " + d + "none.json " + d + "out.mnu", 1, "none.json: cannot be read (No such file or directory)"},
-      {"from-json " + d + "lead.json " + d + "out.mnu", 1, "line 1, column 26: not UTF-8 (byte 0xFF"},
-      {"from-json " + d + "continuation.json " + d + "out.mnu", 1, "column 26: not UTF-8 (byte 0xC3"},
-      {"from-json " + d + "cut.json " + d + "out.mnu", 1, "column 26: not UTF-8 (byte 0xE2"},
-      {"from-json " + d + "overlong.json " + d + "out.mnu", 1, "column 26: not UTF-8 (byte 0xC0"},
-      {"from-json " + d + "surrogate.json " + d + "out.mnu", 1, "column 26: not UTF-8 (byte 0xED"},
-      {"from-json " + d + "above.json " + d + "out.mnu", 1, "column 26: not UTF-8 (byte 0xF4"},
-      {"from-json " + d + "high.json " + d + "out.mnu", 1, "high surrogate without its low surrogate"},
-      {"from-json " + d + "low.json " + d + "out.mnu", 1, "lone low surrogate"},
-      {"from-json " + d + "unpaired.json " + d + "out.mnu", 1, "high surrogate without its low surrogate"},
       {"from-json " + d + " " + d + "out.mnu", 1, d + ": cannot be read"},  // a folder
       {"format-key 12x", 2, "12x is not a code"},
       {"format-key 0x80000041", 1, "not a hot-key code that a menu can hold"},
@@ -129,6 +123,7 @@ TEST(Nxmenu, ProblemsAndExitCodes) {
       {"--help", 0, "usage: nxmenu COMMAND"},
       {"check --help", 0, "pull-down item that carries"},
   };
+  for (const auto& bad : notUtf8) cases.push_back({"from-json " + d + bad.name + " " + d + "out.mnu", 1, bad.message});
   for (const auto& c : cases) {
     CliRun run = Nxmenu(c.args);
     EXPECT_EQ(run.status, c.status) << c.args << "\n" << run.out;

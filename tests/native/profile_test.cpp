@@ -17,23 +17,11 @@ class ProfileTest : public ::testing::Test {
 
 TEST_F(ProfileTest, ReadsLikeGetPrivateProfileString) {
   dir_.Write(L"test.ini",
-             "junk before any section\r\n"
-             "[ section1 ]\r\n"
-             "name1=val1\r\n"
-             "name2=\"val2\"\r\n"
-             "name3\r\n"
-             "  spaced   =   value with blanks   \r\n"
-             "empty=\r\n"
-             "single='x'\r\n"
-             "mismatched=\"abc'\r\n"
-             "lonequote=\"\r\n"
-             "; comment=not a key\r\n"
-             "name1=second wins never\r\n"
-             "[Section2]\rcr=only CR\n\nlf=only LF\r\n"
-             "[section1]\r\n"
-             "dup=from duplicate section\r\n"
-             "[NoBreak]\r\n"
-             "last=at end");
+             "junk before any section\r\n[ section1 ]\r\nname1=val1\r\nname2=\"val2\"\r\nname3\r\n"
+             "  spaced   =   value with blanks   \r\nempty=\r\nsingle='x'\r\nmismatched=\"abc'\r\n"
+             "lonequote=\"\r\n; comment=not a key\r\nname1=second wins never\r\n"
+             "[Section2]\rcr=only CR\n\nlf=only LF\r\n[section1]\r\ndup=from duplicate section\r\n"
+             "[NoBreak]\r\nlast=at end");
   const struct {
     const wchar_t *section, *key, *def, *expected;
   } cases[] = {

@@ -79,20 +79,6 @@ TEST(Resources, InputControlsHaveALabelDirectlyBefore) {
   }
 }
 
-TEST(Resources, ItemMenuEntriesHaveUniqueAccessKeys) {
-  for (UiLanguage language : {UiLanguage::English, UiLanguage::Czech}) {
-    std::map<wchar_t, int> seen;
-    for (int id : {606, 612, 610, 611, 614, 615, 616, 613, 643, 644}) {
-      const wchar_t key = AccessKey(TableText(id, language));
-      EXPECT_NE(key, 0) << id;
-      EXPECT_FALSE(seen.count(key)) << id << " and " << seen[key] << " share an access key";
-      seen[key] = id;
-    }
-  }
-}
-
-// The wizard shows one page at a time: its captions and buttons must differ
-// on every page, in every language, and every input needs its key.
 TEST(Resources, WizardPagesHaveUniqueAccessKeys) {
   const std::vector<std::vector<int>> pages = {
       {710, 700, 701, 101},

@@ -16,11 +16,10 @@
 //                                such a display, prints "sent: N raised: M" (N
 //                                displays, M of them passed the event on to a
 //                                listener); exit 0 when a display was reached.
-//   nxprobe focuslog TITLE MS    for MS milliseconds, in order, every focus change and
-//                                every show and hide of a top-level window in the
-//                                thread of the window TITLE ("-": in every process
-//                                but this one): "focus shown|hidden ID CLASS TEXT"
-//                                (hidden: the control or its window was not
+//   nxprobe focuslog - MS       for MS milliseconds, in order, every focus change and
+//                                every show and hide of a top-level window in every
+//                                process but this one: "focus shown|hidden ID CLASS
+//                                TEXT" (hidden: the control or its window was not
 //                                visible when it got the focus), "show|hide 0 CLASS
 //                                TITLE"; ID is the control id, 0 for a window.
 //   nxprobe layout TITLE [MS]    the window's DPI, then every shown control's place
@@ -72,10 +71,11 @@ HWND WaitForWindow(const std::wstring& title, DWORD ms) {
   }
 }
 
-HWND FocusOf(HWND hwnd) {
+void PrintFocus(HWND hwnd) {
   GUITHREADINFO info{};
   info.cbSize = sizeof(info);
-  return GetGUIThreadInfo(GetWindowThreadProcessId(hwnd, nullptr), &info) ? info.hwndFocus : nullptr;
+  GetGUIThreadInfo(GetWindowThreadProcessId(hwnd, nullptr), &info);
+  Print(L"focus: " + (info.hwndFocus ? std::to_wstring(GetDlgCtrlID(info.hwndFocus)) : std::wstring(L"none")));
 }
 
 int List(HWND hwnd) {
@@ -92,8 +92,7 @@ int List(HWND hwnd) {
     Print(L"entry: " + std::wstring(text));
   }
   Print(L"selected: " + std::to_wstring(SendMessageW(list, LB_GETCURSEL, 0, 0)));
-  HWND focus = FocusOf(hwnd);
-  Print(L"focus: " + (focus ? std::to_wstring(GetDlgCtrlID(focus)) : std::wstring(L"none")));
+  PrintFocus(hwnd);
   return 0;
 }
 
@@ -107,72 +106,55 @@ int Editor(HWND hwnd) {
   Print(L"name: " + TextOf(GetDlgItem(hwnd, 1105)));
   Print(L"command: " + TextOf(GetDlgItem(hwnd, 1107)));
   Print(L"hot key: " + TextOf(GetDlgItem(hwnd, 1109)));
-  HWND focus = FocusOf(hwnd);
-  Print(L"focus: " + (focus ? std::to_wstring(GetDlgCtrlID(focus)) : std::wstring(L"none")));
+  PrintFocus(hwnd);
   Print(std::wstring(L"apply: ") + (IsWindowEnabled(GetDlgItem(hwnd, 1110)) ? L"enabled" : L"disabled"));
   return 0;
 }
 
 // A tree view answers item questions only in its own memory, so they are
 // asked through a block lent from the program's process.
-class RemoteBlock {
- public:
-  RemoteBlock(HWND window, size_t size) : size_(size) {
-    DWORD id = 0;
-    GetWindowThreadProcessId(window, &id);
-    process_ = OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE, FALSE, id);
-    if (process_) address_ = VirtualAllocEx(process_, nullptr, size, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
-  }
-  ~RemoteBlock() {
-    if (address_) VirtualFreeEx(process_, address_, 0, MEM_RELEASE);
-    if (process_) CloseHandle(process_);
-  }
-  RemoteBlock(const RemoteBlock&) = delete;
-  RemoteBlock& operator=(const RemoteBlock&) = delete;
-  bool Usable() const { return address_ != nullptr; }
-  char* At(size_t offset) const { return static_cast<char*>(address_) + offset; }
-  bool Write(size_t offset, const void* data, size_t size) const {
-    return offset + size <= size_ && WriteProcessMemory(process_, At(offset), data, size, nullptr);
-  }
-  bool Read(size_t offset, void* data, size_t size) const {
-    return offset + size <= size_ && ReadProcessMemory(process_, At(offset), data, size, nullptr);
-  }
-
- private:
-  size_t size_;
-  HANDLE process_ = nullptr;
-  void* address_ = nullptr;
-};
-
 int Nodes(HWND hwnd) {
   constexpr size_t kRect = 0, kItem = 64, kText = 256, kTextChars = 256;
   HWND tree = GetDlgItem(hwnd, 1103);
-  RemoteBlock block(tree, kText + kTextChars * sizeof(wchar_t));
-  if (!block.Usable()) {
+  DWORD id = 0;
+  GetWindowThreadProcessId(tree, &id);
+  HANDLE process = OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE, FALSE, id);
+  char* block = process ? static_cast<char*>(VirtualAllocEx(process, nullptr, kText + kTextChars * sizeof(wchar_t),
+                                                            MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE))
+                        : nullptr;
+  if (!block) {
     Print(L"no memory in the program's process");
     return 1;
   }
+  const auto write = [&](size_t at, const void* data, size_t size) {
+    WriteProcessMemory(process, block + at, data, size, nullptr);
+  };
+  const auto read = [&](size_t at, void* data, size_t size) {
+    ReadProcessMemory(process, block + at, data, size, nullptr);
+  };
   for (auto node = reinterpret_cast<HTREEITEM>(SendMessageW(tree, TVM_GETNEXTITEM, TVGN_FIRSTVISIBLE, 0)); node;
        node = reinterpret_cast<HTREEITEM>(
            SendMessageW(tree, TVM_GETNEXTITEM, TVGN_NEXTVISIBLE, reinterpret_cast<LPARAM>(node)))) {
     // The item goes in where the rectangle comes back.
-    block.Write(kRect, &node, sizeof(node));
-    if (!SendMessageW(tree, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(block.At(kRect)))) break;  // not shown
+    write(kRect, &node, sizeof(node));
+    if (!SendMessageW(tree, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(block + kRect))) break;  // not shown
     RECT rect{};
-    block.Read(kRect, &rect, sizeof(rect));
+    read(kRect, &rect, sizeof(rect));
     TVITEMW item{};
     item.mask = TVIF_TEXT;
     item.hItem = node;
-    item.pszText = reinterpret_cast<wchar_t*>(block.At(kText));
+    item.pszText = reinterpret_cast<wchar_t*>(block + kText);
     item.cchTextMax = kTextChars;
-    block.Write(kItem, &item, sizeof(item));
-    SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(block.At(kItem)));
+    write(kItem, &item, sizeof(item));
+    SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(block + kItem));
     wchar_t text[kTextChars] = {};
-    block.Read(kText, text, sizeof(text) - sizeof(wchar_t));
+    read(kText, text, sizeof(text) - sizeof(wchar_t));
     POINT middle{(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2};
     ClientToScreen(tree, &middle);
     Print(std::to_wstring(middle.x) + L" " + std::to_wstring(middle.y) + L" " + text);
   }
+  VirtualFreeEx(process, block, 0, MEM_RELEASE);
+  CloseHandle(process);
   return 0;
 }
 
@@ -214,16 +196,9 @@ std::vector<HWND> WaitForBrailleWindows(DWORD ms) {
 }
 
 int Braille(int argc, wchar_t** argv) {
-  const std::wstring kind = argc > 2 ? argv[2] : L"";
-  UINT message = 0;
-  if (kind == L"normal") message = WM_APP + 1;
-  if (kind == L"cursor") message = WM_APP + 2;
-  if (kind == L"aux") message = WM_APP + 3;
-  if (!message || argc < 4 || argc > 6) {
-    Print(L"usage: nxprobe braille normal|cursor|aux BUTTON [PRESSED [UNIT]]");
-    return 2;
-  }
-  // Base 0, so that button sets may be written in hexadecimal.
+  const std::wstring kind = argc > 3 ? argv[2] : L"";
+  const UINT message = WM_APP + (kind == L"normal" ? 1 : kind == L"cursor" ? 2 : kind == L"aux" ? 3 : 0);
+  if (message == WM_APP) return 2;
   const WPARAM button = std::wcstoul(argv[3], nullptr, 0);
   const DWORD pressed = argc > 4 ? std::wcstoul(argv[4], nullptr, 0) : 1;
   const DWORD unit = argc > 5 ? std::wcstoul(argv[5], nullptr, 0) : 0;
@@ -238,8 +213,6 @@ int Braille(int argc, wchar_t** argv) {
     if (result == 1) ++raised;
   }
   Print(L"sent: " + std::to_wstring(windows.size()) + L" raised: " + std::to_wstring(raised));
-  if (reached < static_cast<int>(windows.size()))
-    Print(L"unanswered: " + std::to_wstring(windows.size() - static_cast<size_t>(reached)));
   return reached > 0 ? 0 : 1;
 }
 
@@ -390,23 +363,14 @@ LRESULT CALLBACK FocusLogHook(int code, WPARAM wParam, LPARAM lParam) {
   return User32(next, "CallNextHookEx") ? next(nullptr, code, wParam, lParam) : 0;
 }
 
-int FocusLog(const std::wstring& title, DWORD ms) {
-  DWORD thread = 0;
-  if (title != L"-") {
-    HWND hwnd = WaitForWindow(title, 20000);
-    if (!hwnd) {
-      Print(L"no window titled " + title);
-      return 1;
-    }
-    thread = GetWindowThreadProcessId(hwnd, nullptr);
-  }
+int FocusLog(DWORD ms) {
   WNDCLASSW windowClass{};
   windowClass.lpfnWndProc = DefWindowProcW;
   windowClass.hInstance = GetModuleHandleW(nullptr);
   windowClass.lpszClassName = kFocusLogClass;
   RegisterClassW(&windowClass);
   HWND log = CreateWindowW(kFocusLogClass, L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, windowClass.hInstance, nullptr);
-  HHOOK hook = SetWindowsHookExW(WH_CALLWNDPROC, FocusLogHook, GetModuleHandleW(nullptr), thread);
+  HHOOK hook = SetWindowsHookExW(WH_CALLWNDPROC, FocusLogHook, GetModuleHandleW(nullptr), 0);
   if (!log || !hook) {
     Print(L"no hook");
     return 1;
@@ -440,13 +404,7 @@ int FocusLog(const std::wstring& title, DWORD ms) {
 
 int wmain(int argc, wchar_t** argv) {
   if (argc >= 2 && std::wstring(argv[1]) == L"braille") return Braille(argc, argv);
-  if (argc < 3) {
-    Print(
-        L"usage: nxprobe list|message|absent|rect|editor|nodes|visible|active|focuslog|layout TITLE [MS] | popup - "
-        L"[MS] | "
-        L"braille ...");
-    return 2;
-  }
+  if (argc < 3) return 2;
   const std::wstring command = argv[1], title = TitleArgument(argv[2]);
   const DWORD ms = argc > 3 ? static_cast<DWORD>(std::wcstoul(argv[3], nullptr, 10)) : 20000;
   if (command == L"popup") {
@@ -457,7 +415,7 @@ int wmain(int argc, wchar_t** argv) {
     Print(L"no pop-up menu");
     return 1;
   }
-  if (command == L"focuslog") return FocusLog(title, ms);
+  if (command == L"focuslog") return FocusLog(ms);
   HWND hwnd = WaitForWindow(title, ms);
   if (command == L"absent") return hwnd ? 1 : 0;
   if (!hwnd) {
@@ -472,13 +430,9 @@ int wmain(int argc, wchar_t** argv) {
     return 0;
   }
   if (command == L"active") {
-    GUITHREADINFO info{};
-    info.cbSize = sizeof(info);
-    GetGUIThreadInfo(GetWindowThreadProcessId(hwnd, nullptr), &info);
     HWND fg = GetForegroundWindow();
     Print(L"foreground: " + (fg ? TextOf(fg) : std::wstring(L"none")));
-    Print(L"active: " + (info.hwndActive ? TextOf(info.hwndActive) : std::wstring(L"none")));
-    Print(L"focus: " + (info.hwndFocus ? std::to_wstring(GetDlgCtrlID(info.hwndFocus)) : std::wstring(L"none")));
+    PrintFocus(hwnd);
     Print(std::wstring(L"enabled: ") + (IsWindowEnabled(hwnd) ? L"yes" : L"no"));
     return 0;
   }

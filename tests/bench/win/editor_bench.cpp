@@ -142,33 +142,25 @@ class Bench {
     window.Create(nullptr);
     ShowWindow(window.Handle(), SW_SHOWNOACTIVATE);
     Pump();
-    double t = Now();
-    window.Logic().LoadDefs(work_ + L"\\Set", L"bench", false);
-    Pump();
-    r.open = Now() - t;
+    const auto timed = [](auto operation) {  // ms until the window has drawn the result
+      const double t = Now();
+      operation();
+      Pump();
+      return Now() - t;
+    };
+    nx::fMenuDef& logic = window.Logic();
+    r.open = timed([&] { logic.LoadDefs(work_ + L"\\Set", L"bench", false); });
     if (window.NodeCount() != items_ + 1)
       std::printf("the editor shows %d nodes, not %d\n", window.NodeCount(), items_ + 1);
-
     // The same menu once more in the same window: the tree is emptied first.
-    t = Now();
-    window.Logic().LoadDefs(work_ + L"\\Set", L"bench", false);
-    Pump();
-    r.reopen = Now() - t;
-
+    r.reopen = timed([&] { logic.LoadDefs(work_ + L"\\Set", L"bench", false); });
     // Copy an entry from the middle and paste it after another one.
     window.SelectNode(nx::NodeKey(256 + items_ / 2));
-    window.Logic().mnuTreeCopy_Click();
+    logic.mnuTreeCopy_Click();
     window.SelectNode(nx::NodeKey(256 + items_ / 3));
-    t = Now();
-    window.Logic().mnuTreePasteAsNext_Click();
-    Pump();
-    r.paste = Now() - t;
-
+    r.paste = timed([&] { logic.mnuTreePasteAsNext_Click(); });
     window.SelectNode(nx::NodeKey(256 + items_ / 4 * 3));
-    t = Now();
-    window.Logic().mnuTreeDelete_Click();
-    Pump();
-    r.del = Now() - t;
+    r.del = timed([&] { logic.mnuTreeDelete_Click(); });
     return r;
   }
 
