@@ -12,7 +12,9 @@
 # Environment: JOBS (2), MUTANTS_ONLY="m03 m17" runs only those,
 # MUTANTS_TIMEOUT seconds for one run of the suite (120), MUTANTS_WINE=1 also
 # runs the faults of the window code against their Wine journeys in the
-# copy's Windows build (several minutes each).
+# copy's Windows build (several minutes each), MUTANTS_ALL_TESTS=1 runs the
+# whole suite for every fault, so that its log in BUILD/mutants/logs names
+# every test that catches it (which tests only repeat others' catches).
 set -u
 
 repo=$(cd "$(dirname "$0")/.." && pwd)
@@ -167,7 +169,8 @@ if ! build_native "$logs/unmutated-build.log"; then
   say "mutants: the unmutated copy does not build; see $logs/unmutated-build.log"
   exit 2
 fi
-"$native/bin/nx_tests" --help 2>/dev/null | grep -q -- --gtest_fail_fast && test_flags+=(--gtest_fail_fast)
+[ "${MUTANTS_ALL_TESTS:-0}" = 1 ] ||
+  "$native/bin/nx_tests" --help 2>/dev/null | grep -q -- --gtest_fail_fast && test_flags+=(--gtest_fail_fast)
 suite_start=$(date +%s)
 if ! run_suite "$logs/unmutated-tests.log"; then
   say "mutants: the native suite fails without any fault; nothing is measured. See $logs/unmutated-tests.log"
