@@ -169,8 +169,9 @@ if ! build_native "$logs/unmutated-build.log"; then
   say "mutants: the unmutated copy does not build; see $logs/unmutated-build.log"
   exit 2
 fi
-[ "${MUTANTS_ALL_TESTS:-0}" = 1 ] ||
-  "$native/bin/nx_tests" --help 2>/dev/null | grep -q -- --gtest_fail_fast && test_flags+=(--gtest_fail_fast)
+if [ "${MUTANTS_ALL_TESTS:-0}" != 1 ] && "$native/bin/nx_tests" --help 2>/dev/null | grep -q -- --gtest_fail_fast; then
+  test_flags+=(--gtest_fail_fast)
+fi
 suite_start=$(date +%s)
 if ! run_suite "$logs/unmutated-tests.log"; then
   say "mutants: the native suite fails without any fault; nothing is measured. See $logs/unmutated-tests.log"
