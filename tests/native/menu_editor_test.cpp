@@ -140,18 +140,18 @@ class MenuEditorTest : public ::testing::Test {
     Restart(&wizard_);
   }
 
-  struct Spec {
+  struct ItemRow {
     std::wstring caption, action;
     int32_t hotKey;
     size_t level;
   };
-  void WriteMenu(const std::vector<Spec>& items) {
+  void WriteMenu(const std::vector<ItemRow>& items) {
     auto root = cMenuItem::New();
     std::vector<cMenuItem*> parents{root.get()};
-    for (const Spec& spec : items) {
-      parents.resize(spec.level + 1);
+    for (const ItemRow& row : items) {
+      parents.resize(row.level + 1);
       auto item = parents.back()->SubItems.Add(1, parents.back(), cMenuItem::New());
-      item->SetFields({spec.caption, spec.action, spec.hotKey});
+      item->SetFields({row.caption, row.action, row.hotKey});
       parents.push_back(item.get());
     }
     ASSERT_TRUE(cMenuFile(defs_.CodePage(), defs_.Profile()).FlushCommand2Def(MenuFile(), L"", *root));
@@ -618,7 +618,7 @@ TEST_F(MenuEditorTest, NewAndEditGoThroughTheWizard) {
 // A tree control and a pop-up menu hold 25 levels of items: a deeper file is
 // not opened and never written; a paste or new item is not put deeper.
 TEST_F(MenuEditorTest, MenusAreAtMost25LevelsDeep) {
-  std::vector<Spec> items;
+  std::vector<ItemRow> items;
   for (size_t level = 0; level < 26; ++level) items.push_back({L"L" + std::to_wstring(level + 1), L"", 0, level});
   WriteMenu(items);
   const std::string bytes = dir_.Read(L"Set\\notepad\\Command.mnu");
