@@ -172,4 +172,12 @@ std::wstring cDefServer::FormatKeycodeEx(int32_t& code) {
   return DefActions().GetKeyCodeAsTextEx(folder_ + L"gKeyCode.def", code);
 }
 
+std::wstring cDefServer::KeyText(int32_t code) {
+  try {
+    return FormatKeycodeEx(code);
+  } catch (const std::exception&) {
+    return {};
+  }
+}
+
 }  // namespace nx

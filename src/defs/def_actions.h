@@ -76,6 +76,8 @@ class cDefServer {
   const std::wstring& Folder() const { return folder_; }
   std::wstring FormatKeycode(int16_t key, int16_t mask);
   std::wstring FormatKeycodeEx(int32_t& code);
+  // The text of a whole hot-key code, "" for a code the model never holds.
+  std::wstring KeyText(int32_t code);
   const ICodePage& CodePage() const { return codePage_; }
   IProfile& Profile() const { return profile_; }
 

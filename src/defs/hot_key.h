@@ -20,8 +20,9 @@ constexpr uint32_t kStatusButton = kDiscardBit | kBrailleBit;
 constexpr uint32_t kButtonBits = kBrailleBit - 1;
 // The families of status buttons.
 constexpr uint32_t kCursorStatus = 2, kAuxStatus = 4;
-// The modifier mask of a chord.
-constexpr int kShift = 1, kControl = 2, kAlt = 4, kNarrixKey = 0x2000;
+// The screen reader's own key in a chord's modifier mask (the others are
+// those of the key handlers, vk::kShiftHeld and the like).
+constexpr int kNarrixKey = 0x2000;
 
 constexpr bool IsBraille(int32_t code) { return (static_cast<uint32_t>(code) & kBrailleBit) != 0; }
 

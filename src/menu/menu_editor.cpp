@@ -85,13 +85,7 @@ std::wstring fMenuDef::BraillePath() const { return BrailleProfilePath(Location(
 
 cMenuFile fMenuDef::MenuFile() const { return cMenuFile(services_.defs.CodePage(), services_.profile); }
 
-std::wstring fMenuDef::HotKeyText(int32_t code) const {
-  try {
-    return services_.defs.FormatKeycodeEx(code);
-  } catch (const std::exception&) {
-    return {};
-  }
-}
+std::wstring fMenuDef::HotKeyText(int32_t code) const { return services_.defs.KeyText(code); }
 
 void fMenuDef::SetDirty(bool dirty) {
   dirty_ = dirty;

@@ -1,6 +1,5 @@
 #include "menu/menu_help.h"
 
-#include <stdexcept>
 
 #include "menu/menu_file.h"
 #include "platform/folders.h"
@@ -44,13 +43,7 @@ std::wstring MenuHelpSection(cDefServer& defs, const MenuLocation& menu) {
   // Each application's buttons by the names of its own display profile, as
   // the editor shows them, not the last opened menu's.
   if (!braillePath.empty()) defs.DefActions().InitBrailleKeyMap(braillePath);
-  return RenderHelpSection(*root, menu.appName, [&defs](int32_t code) {
-    try {
-      return defs.FormatKeycodeEx(code);
-    } catch (const std::exception&) {
-      return std::wstring();
-    }
-  });
+  return RenderHelpSection(*root, menu.appName, [&defs](int32_t code) { return defs.KeyText(code); });
 }
 
 }  // namespace nx

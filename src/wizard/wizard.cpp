@@ -347,14 +347,7 @@ void fWizard::FillHotKey() {
   ShowUsedBy();
 }
 
-void fWizard::ShowCode(int32_t code, bool keepFocus) {
-  std::wstring text;
-  try {
-    text = defs_.FormatKeycodeEx(code);
-  } catch (const std::exception&) {
-  }
-  view_.SetHotKeyText(text, keepFocus);
-}
+void fWizard::ShowCode(int32_t code, bool keepFocus) { view_.SetHotKeyText(defs_.KeyText(code), keepFocus); }
 
 void fWizard::ShowUsedBy() {
   std::wstring users;
