@@ -1,6 +1,5 @@
 #include "menu/menu_help.h"
 
-
 #include "menu/menu_file.h"
 #include "platform/folders.h"
 #include "platform/text.h"
