@@ -80,7 +80,6 @@ test-wine: win
 # Speed against baselines measured in the same run (figures: docs/benchmarks.md).
 bench: native win
 	$(NATIVE)/bin/menu_bench --benchmark_min_time=1
-	$(NATIVE)/bin/export_bench --benchmark_min_time=1
 	bash tests/wine/run_exe.sh $(BUILD)/editor-bench $(WIN)/bin/editor_bench.exe @WORK
 
 # The native suite against each fault of tests/mutants.txt, in a copy of the
