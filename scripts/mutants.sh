@@ -80,8 +80,8 @@ for b in blocks:
     if b.get("id") in seen:
         errors.append(f"line {b['line']}: id {b['id']} used twice")
     seen.add(b.get("id"))
-    if not b.get("file", "").startswith("src/"):
-        errors.append(f"line {b['line']}: faults go into the product's source under src/")
+    if not b.get("file", "").startswith(("src/", "resources/")):
+        errors.append(f"line {b['line']}: faults go into the product's source, under src/ or resources/")
     if not b.get("from"):
         errors.append(f"line {b['line']}: from is empty")
     for field in keys:
