@@ -1,5 +1,7 @@
-// libFuzzer: the key-code table (gKeyCode.def) on any bytes, both into the
-// key-name table and as the table that key texts are looked up in.
+// libFuzzer: the key-code table (gKeyCode.def) and the command table
+// (gActions.def) on the same bytes. The key codes go into the key-name table
+// and are the table key texts are looked up in; every command read has a
+// name and a comment, and neither holds a tab.
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -10,7 +12,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static const nx::BuiltinCodePage page(1252);
   static nx::PortableProfile profile(page);
-  const nx::fuzz::ScratchFile table("gKeyCode.def", {reinterpret_cast<const char*>(data), size});
+  const nx::fuzz::ScratchFile table("table.def", {reinterpret_cast<const char*>(data), size});
   nx::cDefActions defs(page, profile);
   defs.RenderKeyCodeDescrip2List(table.Path());
   for (int16_t index = 0; index <= 255; ++index) defs.GetHotKeyString(index);
@@ -19,6 +21,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     uint32_t code;
     std::memcpy(&code, data + at, 4);
     nx::fuzz::KeyText(defs, table.Path(), static_cast<int32_t>(code & 0xBFFFFFFFu));  // keyboard codes only
+  }
+  nx::cNarrixActions actions;
+  if (!defs.InitNXactionsDef(table.Path(), &actions)) __builtin_trap();
+  for (int i = 0; i < actions.Count(); ++i) {
+    const std::wstring name = actions.Action(i), comment = actions.Comment(i);
+    if (name.empty() || comment.empty() || (name + comment).find(L'\t') != std::wstring::npos) __builtin_trap();
   }
   return 0;
 }
