@@ -5,6 +5,7 @@
 // Usage: platform_diff WORK_FOLDER
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -299,35 +300,20 @@ void NativeMenus() {
 
 // Names as they stand in an installation's Set folder.
 void ListOrder() {
-  const wchar_t* const names[] = {L"(Narrix)",
-                                  L"0calc",
-                                  L"9lives",
-                                  L"acrobat",
-                                  L"excel",
-                                  L"EXCEL2",
-                                  L"Excel",
-                                  L"notepad",
-                                  L"winword",
-                                  L"winword_ver.11.0",
-                                  L"winwordviewer",
-                                  L"co-op",
-                                  L"coop",
-                                  L"cota",
-                                  L"co-ty",
-                                  L"a b",
-                                  L"a.b",
-                                  L"ab",
-                                  L"\u00e1bc",
-                                  L"abd",
-                                  L"zz",
-                                  L"\u017ealm",
-                                  L"Zoo"};
+  std::vector<std::wstring> names;
+  const std::wstring all =
+      L"(Narrix)|0calc|9lives|acrobat|excel|EXCEL2|Excel|notepad|winword|winword_ver.11.0|"
+      L"winwordviewer|co-op|coop|cota|co-ty|a b|a.b|ab|\u00e1bc|abd|zz|\u017ealm|Zoo";
+  for (size_t start = 0, bar; start <= all.size(); start = bar + 1) {
+    bar = std::min(all.find(L'|', start), all.size());
+    names.push_back(all.substr(start, bar - start));
+  }
   // The portable order follows English rules; Czech puts letters with a caron
   // after their base letter.
   const bool english = PRIMARYLANGID(GetUserDefaultUILanguage()) == LANG_ENGLISH;
-  for (const wchar_t* a : names)
-    for (const wchar_t* b : names) {
-      if (!english && (std::wstring(a) == L"\u017ealm" || std::wstring(b) == L"\u017ealm")) continue;
+  for (const std::wstring& a : names)
+    for (const std::wstring& b : names) {
+      if (!english && (a == L"\u017ealm" || b == L"\u017ealm")) continue;
       const bool win = nx::ListOrderLess(a, b), portable = nx::PortableListOrderLess(a, b);
       Check(win == portable, "list order " + nx::WideToUtf8(a) + " < " + nx::WideToUtf8(b) + ": Windows " +
                                  std::to_string(win) + ", portable " + std::to_string(portable));
