@@ -6,7 +6,6 @@
 
 #include "braille/koral.h"
 #include "fake_koral.h"
-#include "platform/string_table.h"
 #include "platform/text.h"
 #include "startup/settings.h"
 #include "temp_folder.h"
