@@ -1,4 +1,4 @@
-// A braille component in memory: its displays are set up by the test, every
+// A braille component in memory with one display "Focus 40" of unit 7: every
 // call is written to a log, and the test presses the buttons.
 #pragma once
 
@@ -12,9 +12,6 @@ namespace nx::test {
 struct FakeKoral {
   bool running = false;   // the screen reader's window exists
   bool installed = true;  // the component can be created
-  int32_t displays = 1;
-  std::wstring description = L"Focus 40";
-  int32_t caps = 0x26, unitId = 7;
   std::vector<std::wstring> log;
   IKoralDisplayEvents* events = nullptr;  // of the display given out last
 
@@ -25,38 +22,30 @@ struct FakeKoral {
   }
 };
 
-class FakeKoralDisplay final : public IKoralDisplay {
+// The component and its display in one.
+class FakeKoralPart final : public IKoralComponent, public IKoralDisplay {
  public:
-  explicit FakeKoralDisplay(FakeKoral& k) : k_(k) {}
-  std::wstring Description() override { return k_.description; }
+  explicit FakeKoralPart(FakeKoral& k) : k_(k) {}
+  void Initialize(int32_t mode) override { k_.log.push_back(L"Initialize " + std::to_wstring(mode)); }
+  int32_t DisplayCount() override { return 1; }
+  std::unique_ptr<IKoralDisplay> Display(int32_t index, IKoralDisplayEvents& events) override {
+    k_.log.push_back(L"Display " + std::to_wstring(index));
+    k_.events = &events;
+    return std::make_unique<FakeKoralPart>(k_);
+  }
+  void Shutdown() override { k_.log.push_back(L"Shutdown"); }
+  std::wstring Description() override { return L"Focus 40"; }
   int32_t Width() override { return 40; }
   int32_t Height() override { return 1; }
   int32_t StatusCells() override { return 4; }
-  int32_t Caps() override { return k_.caps; }
+  int32_t Caps() override { return 0x26; }
   int32_t Languages() override { return 2; }
   int32_t Buttons() override { return 12; }
   int32_t MaxRate() override { return 10; }
-  int32_t UnitId() override { return k_.unitId; }
+  int32_t UnitId() override { return 7; }
   void SetButtonEvents(int32_t on) override { k_.log.push_back(L"ButtonEvents " + std::to_wstring(on)); }
   void Open() override { k_.log.push_back(L"Open"); }
   void Close() override { k_.log.push_back(L"Close"); }
-
- private:
-  FakeKoral& k_;
-};
-
-class FakeKoralComponent final : public IKoralComponent {
- public:
-  explicit FakeKoralComponent(FakeKoral& k) : k_(k) {}
-  void Initialize(int32_t mode) override { k_.log.push_back(L"Initialize " + std::to_wstring(mode)); }
-  int32_t DisplayCount() override { return k_.displays; }
-  std::unique_ptr<IKoralDisplay> Display(int32_t index, IKoralDisplayEvents& events) override {
-    k_.log.push_back(L"Display " + std::to_wstring(index));
-    if (index < 1 || index > k_.displays) return nullptr;
-    k_.events = &events;
-    return std::make_unique<FakeKoralDisplay>(k_);
-  }
-  void Shutdown() override { k_.log.push_back(L"Shutdown"); }
 
  private:
   FakeKoral& k_;
@@ -74,7 +63,7 @@ class FakeKoralFactory final : public IKoralFactory {
   std::unique_ptr<IKoralComponent> Make(const wchar_t* how) {
     if (!koral.installed) return nullptr;
     koral.log.push_back(how);
-    return std::make_unique<FakeKoralComponent>(koral);
+    return std::make_unique<FakeKoralPart>(koral);
   }
 };
 
