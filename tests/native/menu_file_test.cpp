@@ -3,17 +3,13 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "defs/hot_key.h"
-#include "defs/def_actions.h"
+#include "defs/def_text.h"
 #include "menu/menu_file.h"
-#include "platform/profile.h"
 #include "platform/text.h"
-#include "platform/string_table.h"
 #include "refusing_profile.h"
 #include "menu_records.h"
 #include "temp_folder.h"
@@ -23,11 +19,15 @@ namespace {
 
 using namespace std::string_literals;
 
-// "caption[id](children)" for every item below `item`.
+// "caption[id]" for every item below `item`, then ":" and its hot key in
+// hexadecimal when it has one, "!" when it is discarded, and its children in
+// brackets.
 std::string Shape(const cMenuItem& item) {
   std::string out;
   for (const auto& child : item.SubItems) {
-    out += std::string(child->Caption.begin(), child->Caption.end()) + "[" + std::to_string(child->MenuId) + "]";
+    out += WideToUtf8(child->Caption) + "[" + std::to_string(child->MenuId) + "]";
+    if (child->HotKey) out += ":" + WideToUtf8(HexText(static_cast<uint32_t>(child->HotKey)));
+    if (child->Discard) out += "!";
     if (child->SubItems.Count()) out += "(" + Shape(*child) + ")";
   }
   return out;
@@ -35,122 +35,46 @@ std::string Shape(const cMenuItem& item) {
 
 class MenuFileTest : public ::testing::Test {
  protected:
-  MenuReadResult Parse(const std::string& bytes, int32_t base = 256) {
-    counter_ = base;
+  MenuReadResult Parse(const std::string& bytes) {
+    int32_t counter = 256;
     return ParseMenu(
-        bytes, page_, [](const std::wstring&) { return 0x12A; }, counter_);
+        bytes, page_, [](const std::wstring&) { return 0x12A; }, counter);
   }
   std::string Serialize(const cMenuItem& root) {
     return SerializeMenu(root, page_,
                          [this](const std::wstring& action, uint32_t code) {
-                           braille_ += std::string(action.begin(), action.end()) + "=" + std::to_string(code) + ";";
+                           braille_ += WideToUtf8(action) + "=" + std::to_string(code) + ";";
                          })
         .value_or("FAILED");
   }
   BuiltinCodePage page_{1252};
-  int32_t counter_ = 0;
   std::string braille_;
 };
 
-TEST_F(MenuFileTest, TheTwoItemExampleByteForByte) {
-  auto root = cMenuItem::New();
-  auto file = root->SubItems.Add(1, root.get(), cMenuItem::New());
-  file->Caption = L"File";
-  auto open = file->SubItems.Add(1, file.get(), cMenuItem::New());
-  open->Caption = L"Open";
-  open->Action = L"open.vbs";
-  open->HotKey = 0x123;
-  const std::string expected =
-      "\x00\x00"
-      "\x00\x00\x00\x00"
-      "\x04\x00"
-      "File"
-      "\x00\x00"
-      "\x01\x00"
-      "\x23\x01\x00\x00"
-      "\x04\x00"
-      "Open"
-      "\x08\x00"
-      "open.vbs"s;
-  EXPECT_EQ(Serialize(*root), expected);
-  EXPECT_EQ(Record(0, 0, "File") + Record(1, 0x123, "Open", "open.vbs"), expected);  // as the tables below spell files
-  const auto read = Parse(expected);
-  EXPECT_TRUE(read.complete);
-  EXPECT_EQ(Shape(*read.root), "File[256](Open[257])");
-  EXPECT_EQ(read.root->Caption, L"[root]");
-  EXPECT_EQ(read.root->SubItems.item(1)->SubItems.item(1)->HotKey, 0x123);
-  EXPECT_EQ(counter_, 258);
-}
-
-// Each row: an item of the tree and its record exactly as the file holds it.
-TEST_F(MenuFileTest, ADeeperTreeByteForByte) {
+// Each row: a record as a file holds it, and as it is written back when
+// that differs. A braille button takes its code from the display profile
+// (here 0x12A, for every action) and is written without the Discard bit.
+TEST_F(MenuFileTest, RecordsReadAndWrittenBack) {
+  EXPECT_EQ(Record(1, 0x123, "Open", "open.vbs"), "\x01\x00\x23\x01\x00\x00\x04\x00Open\x08\x00open.vbs"s);
   const struct {
-    int level;
-    const wchar_t *caption, *action;
-    int32_t hotKey;
-    bool discard;
-    std::string record;
-  } rows[] = {
-      {0, L"File", L"", 0, false, Record(0, 0, "File")},
-      {1, L"Open", L"open.vbs", 0x00020041, true, Record(1, 0x80020041u, "Open", "open.vbs")},  // C+A, discarded
-      {2, L"Beep", L"Beep", 0x4000012A, true, Record(2, 0x4000012Au, "Beep", "Beep")},     // a button keeps no Discard
-      {1, L"Close", L"Quit", 0x20000074, false, Record(1, 0x20000074u, "Close", "Quit")},  // Narrix+F5
-      {0, L"Help", L"", 0, false, Record(0, 0, "Help")},
-  };
-  auto root = cMenuItem::New();
-  std::vector<cMenuItem*> parents{root.get()};
-  std::string expected;
-  for (const auto& row : rows) {
-    parents.resize(static_cast<size_t>(row.level) + 1);
-    auto item = parents.back()->SubItems.Add(1, parents.back(), cMenuItem::New());
-    item->Caption = row.caption;
-    item->Action = row.action;
-    item->HotKey = row.hotKey;
-    item->Discard = row.discard;
-    parents.push_back(item.get());
-    expected += row.record;
-  }
-  EXPECT_EQ(Serialize(*root), expected);
-  EXPECT_EQ(braille_, "Beep=298;");
-
-  const auto read = Parse(expected);  // the profile gives 0x12A
-  EXPECT_TRUE(read.complete);
-  EXPECT_EQ(Shape(*read.root), "File[256](Open[257](Beep[258])Close[259])Help[260]");
-  size_t i = 0;
-  WalkTree(
-      static_cast<const cMenuItem&>(*read.root),
-      [&](const cMenuItem& item, size_t, int) {
-        EXPECT_EQ(item.HotKey, rows[i].hotKey) << i;
-        EXPECT_EQ(item.Discard, rows[i].discard && !hotkey::IsBraille(rows[i].hotKey)) << i;
-        ++i;
-        return true;
-      },
-      [](const cMenuItem&, size_t) {});
-  EXPECT_EQ(Serialize(*read.root), expected);
-}
-
-TEST_F(MenuFileTest, DiscardAndBrailleBits) {
-  const std::string bytes = Record(0, 0x80000041u, "Keyboard", "SayLine") +  // discard, key 0x41
-                            Record(0, 0x40000005u, "Button", "Beep") +       // braille: code from the profile
-                            Record(0, 0xC0000005u, "Both", "Both") +         // braille and discard
-                            Record(0, 0x00000000u, "Plain", "");
+    std::string record, written;
+  } rows[] = {{Record(0, 0, "File"), ""},
+              {Record(1, 0x80020041u, "Open", "open.vbs"), ""},  // C+A, discarded
+              {Record(2, 0xC0000005u, "Beep", "Beep"), Record(2, 0x4000012Au, "Beep", "Beep")},
+              {Record(2, 0x40000005u, "Button", "Say"), Record(2, 0x4000012Au, "Button", "Say")},
+              {Record(1, 0x20000074u, "Close", "Quit"), ""},  // Narrix+F5
+              {Record(0, 0, "Help"), ""}};
+  std::string bytes, written;
+  for (const auto& row : rows) bytes += row.record, written += row.written.empty() ? row.record : row.written;
   const auto read = Parse(bytes);
-  ASSERT_EQ(read.root->SubItems.Count(), 4);
-  const auto& items = read.root->SubItems;
-  EXPECT_TRUE(items.item(1)->Discard);
-  EXPECT_EQ(items.item(1)->HotKey, 0x41);
-  EXPECT_EQ(items.item(2)->HotKey, 0x4000012A);
-  EXPECT_FALSE(items.item(2)->Discard);
-  EXPECT_TRUE(items.item(3)->Discard);
-  EXPECT_EQ(items.item(3)->HotKey, 0x4000012A);
-
-  // Written back: braille codes carry no Discard bit, and go to the profile.
-  const std::string written = Serialize(*read.root);
-  EXPECT_EQ(written, Record(0, 0x80000041u, "Keyboard", "SayLine") + Record(0, 0x4000012Au, "Button", "Beep") +
-                         Record(0, 0x4000012Au, "Both", "Both") + Record(0, 0, "Plain", ""));
-  EXPECT_EQ(braille_, "Beep=298;Both=298;");
+  EXPECT_TRUE(read.complete);
+  EXPECT_EQ(Shape(*read.root),
+            "File[256](Open[257]:20041!(Beep[258]:4000012A!Button[259]:4000012A)Close[260]:20000074)Help[261]");
+  EXPECT_EQ(Serialize(*read.root), written);
+  EXPECT_EQ(braille_, "Beep=298;Say=298;");
 }
 
+// What a file's levels make of its items, and whether it reads completely.
 TEST_F(MenuFileTest, LevelRules) {
   const struct {
     std::vector<int16_t> levels;
@@ -178,17 +102,11 @@ TEST_F(MenuFileTest, LevelRules) {
     EXPECT_EQ(Shape(*read.root), c.shape) << bytes.size();
     EXPECT_EQ(read.complete, c.complete) << c.shape;
   }
-}
-
-TEST_F(MenuFileTest, EveryCutOfAFileReadsWhatWasWhole) {
-  const std::string whole = Record(0, 0, "File", "") + Record(1, 0x123, "Open", "open.vbs") + Record(0, 0, "End", "x");
-  for (size_t cut = 0; cut <= whole.size(); ++cut) {
-    const auto read = Parse(whole.substr(0, cut));
-    const bool onBoundary = cut == 0 || cut == 14 || cut == 36 || cut == whole.size();
-    EXPECT_EQ(read.complete, onBoundary) << cut;
-  }
-  EXPECT_EQ(Shape(*Parse(whole.substr(0, 33)).root), "File[256]");
-  // A length that points past the end.
+  // A file cut anywhere but between records, or with a length that points
+  // past its end, does not read completely.
+  const std::string whole = Record(0, 0, "File", "") + Record(1, 0x123, "Open", "open.vbs");
+  for (size_t cut = 0; cut <= whole.size(); ++cut)
+    EXPECT_EQ(Parse(whole.substr(0, cut)).complete, cut == 0 || cut == 14 || cut == whole.size()) << cut;
   EXPECT_FALSE(Parse("\x00\x00\x00\x00\x00\x00\xFF\xFF"
                      "abc"s)
                    .complete);
@@ -234,47 +152,22 @@ TEST_F(MenuFileTest, WhatTheFileCannotHold) {
   }
 }
 
-TEST_F(MenuFileTest, TextsUseTheCodePage) {
-  BuiltinCodePage central(1250);
-  int32_t counter = 0;
-  const auto read = ParseMenu(Record(0, 0, "\x8Elu\x9Dou\xE8k\xFD", "\xE8ti"), central, nullptr, counter);
-  EXPECT_EQ(read.root->SubItems.item(1)->Caption, L"Žluťoučký");
-  EXPECT_EQ(read.root->SubItems.item(1)->Action, L"čti");
-}
-
-// The clipboard and the wizard may keep items of a tree that is closed; the
-// reader's items must stay whole, and keep their own children, whichever
-// other items of the same read are gone.
+// The clipboard and the wizard may keep items of a large menu that is
+// closed: they stay whole, with their own children, whichever other items
+// of the same read are gone, and another read takes the memory given back.
 TEST_F(MenuFileTest, ItemsKeptOutliveTheirTree) {
   std::string bytes;
   for (int i = 0; i < 3000; ++i) bytes += Record(i % 2 ? 1 : 0, 0, "Item " + std::to_string(i), "act");
-  std::vector<MenuItemPtr> kept;
+  auto kept = cMenuItem::New();
   {
     const auto read = Parse(bytes);
     ASSERT_EQ(read.root->SubItems.Count(), 1500);
-    for (int position : {1, 700, 1500}) kept.push_back(read.root->SubItems.item(position));
-    kept.push_back(read.root->SubItems.item(1200)->SubItems.item(1));  // a child alone
+    for (int position : {1, 700, 1500}) kept->SubItems.Add(1, kept.get(), read.root->SubItems.item(position));
+    kept->SubItems.Add(1, kept.get(), read.root->SubItems.item(1200)->SubItems.item(1));  // a child alone
   }
-  // Another read takes the memory the first one gave back.
-  const auto again = Parse(bytes);
-  EXPECT_EQ(again.root->SubItems.Count(), 1500);
-  const struct {
-    const wchar_t* caption;
-    int children;
-    int32_t menuId;
-  } expected[] = {
-      {L"Item 0", 1, 256}, {L"Item 1398", 1, 256 + 1398}, {L"Item 2998", 1, 256 + 2998}, {L"Item 2399", 0, 256 + 2399}};
-  ASSERT_EQ(kept.size(), std::size(expected));
-  for (size_t i = 0; i < kept.size(); ++i) {
-    EXPECT_EQ(kept[i]->Caption, expected[i].caption);
-    EXPECT_EQ(kept[i]->Action, L"act");
-    EXPECT_EQ(kept[i]->MenuId, expected[i].menuId);
-    ASSERT_EQ(kept[i]->SubItems.Count(), expected[i].children) << i;
-    if (expected[i].children) {
-      EXPECT_EQ(kept[i]->SubItems.item(1)->Caption, L"Item " + std::to_wstring(expected[i].menuId - 256 + 1));
-    }
-  }
-  kept.clear();  // the last holders of their blocks
+  EXPECT_EQ(Parse(bytes).root->SubItems.Count(), 1500);
+  EXPECT_EQ(Shape(*kept),
+            "Item 0[256](Item 1[257])Item 1398[1654](Item 1399[1655])Item 2998[3254](Item 2999[3255])Item 2399[2655]");
 }
 
 class MenuFilesOnDiskTest : public ::testing::Test {
@@ -285,6 +178,8 @@ class MenuFilesOnDiskTest : public ::testing::Test {
   test::TempFolder dir_;
 };
 
+// The braille codes live in section Actions of the display's profile,
+// one per action (the later item's code wins).
 TEST_F(MenuFilesOnDiskTest, ReadWriteAndTheBrailleProfile) {
   bool complete = false;
   EXPECT_EQ(defs_.InitCommandDef(dir_.Path(L"none.mnu"), L"", &complete), nullptr);
@@ -297,24 +192,19 @@ TEST_F(MenuFilesOnDiskTest, ReadWriteAndTheBrailleProfile) {
   auto root = cMenuItem::New();
   for (int32_t code : {0x4000012A, 0x40000003, 0x4000000F}) {
     auto item = root->SubItems.Add(1, root.get(), cMenuItem::New());
-    item->Caption = L"item";
+    item->Caption = L"i";
     item->Action = code == 0x4000000F ? L"Other" : L"Same";
     item->HotKey = code;
   }
-  const std::wstring ini = dir_.Path(L"Focus 40.ini");
-  ASSERT_TRUE(defs_.FlushCommand2Def(dir_.Path(L"Command.mnu"), ini, *root));
-  EXPECT_EQ(dir_.Read(L"Focus 40.ini"), "[Actions]\r\nSame=3\r\nOther=F\r\n");  // the later "Same" wins
-
+  const std::wstring menu = dir_.Path(L"Command.mnu"), ini = dir_.Path(L"Focus 40.ini");
+  ASSERT_TRUE(defs_.FlushCommand2Def(menu, ini, *root));
+  EXPECT_EQ(dir_.Read(L"Focus 40.ini"), "[Actions]\r\nSame=3\r\nOther=F\r\n");
   defs_.ItemCounter = 128;
-  auto read = defs_.InitCommandDef(dir_.Path(L"Command.mnu"), ini, &complete);
-  EXPECT_EQ(read->SubItems.item(1)->HotKey, 0x40000003);
-  EXPECT_EQ(read->SubItems.item(3)->HotKey, 0x4000000F);
-  EXPECT_EQ(read->SubItems.item(1)->MenuId, 128);
-  // Without the profile, or without an entry in it, only the braille bit stays.
-  EXPECT_EQ(defs_.InitCommandDef(dir_.Path(L"Command.mnu"), L"", &complete)->SubItems.item(1)->HotKey, 0x40000000);
+  EXPECT_EQ(Shape(*defs_.InitCommandDef(menu, ini)), "i[128]:40000003i[129]:40000003i[130]:4000000F");
+  // Without the profile, or without a code in it, only the braille bit stays.
   dir_.Write(L"bad.ini", "[Actions]\r\nSame=zz\r\n");
-  EXPECT_EQ(defs_.InitCommandDef(dir_.Path(L"Command.mnu"), dir_.Path(L"bad.ini"))->SubItems.item(3)->HotKey,
-            0x40000000);
+  for (const std::wstring& profile : {std::wstring(), dir_.Path(L"bad.ini")})
+    EXPECT_EQ(defs_.InitCommandDef(menu, profile)->SubItems.item(1)->HotKey, 0x40000000);
 }
 
 // Nothing is lost on a failed save: the file that failed is named with the
@@ -351,6 +241,8 @@ TEST_F(MenuFilesOnDiskTest, AFailedSaveNamesTheFileAndWhy) {
       {menu, ini, ini, *root, ini, L"Input/output error", false, false},
       {menu, folder, L"", *root, folder, L"Is a directory", false, false},
       {menu, noFolder, L"", *plain, noFolder, L"No such file or directory", true, false},
+      // Every code at once, or none: a profile that cannot take one keeps all.
+      {menu, ini, L"", *root, ini, L"Permission denied", true, false},
   };
   for (const auto& c : cases) {
     dir_.Write(L"Command.mnu", oldMenu);
@@ -364,15 +256,9 @@ TEST_F(MenuFilesOnDiskTest, AFailedSaveNamesTheFileAndWhy) {
     EXPECT_EQ(dir_.Read(L"Command.mnu") != oldMenu, c.menuWritten) << WideToUtf8(c.failed);
     EXPECT_EQ(dir_.Read(L"Focus 40.ini") != oldProfile, c.profileWritten) << WideToUtf8(c.failed);
   }
-  // Every code at once, or none: a profile that cannot take one keeps all.
-  WriteFailure failed;
-  EXPECT_FALSE(defs.FlushCommand2Def(menu, ini, *root, &failed));
-  EXPECT_EQ(failed.reason, L"Permission denied");
-  EXPECT_EQ(dir_.Read(L"Focus 40.ini"), oldProfile);
   root->SubItems.item(2)->Action = L"Other";
   ASSERT_TRUE(defs.FlushCommand2Def(menu, ini, *root));
   EXPECT_EQ(dir_.Read(L"Focus 40.ini"), "[KeyMap]\r\n1=Dot 1\r\n\r\n[Actions]\r\nBefore=1\r\nOther=1\r\nAfter=1\r\n");
-  EXPECT_EQ(defs.InitCommandDef(menu, ini)->SubItems.Count(), 3);
   // No new file is left behind by any of it.
   size_t files = 0;
   for (const auto& entry : std::filesystem::directory_iterator(dir_.Fs())) files += entry.is_regular_file();
@@ -383,31 +269,26 @@ TEST_F(MenuFilesOnDiskTest, AFailedSaveNamesTheFileAndWhy) {
 // Two saves of different menus to one file at once, many times: a reader
 // finds one whole menu or the other, never parts of both.
 TEST_F(MenuFilesOnDiskTest, TwoWritersAtOnceLeaveOneWholeMenu) {
-  auto menuOf = [](int items, const wchar_t* caption) {
+  auto menuOf = [](int items) {
     auto root = cMenuItem::New();
-    for (int i = 0; i < items; ++i) root->SubItems.Add(1, root.get(), cMenuItem::New())->Caption = caption;
+    for (int i = 0; i < items; ++i) root->SubItems.Add(1, root.get(), cMenuItem::New())->Caption = L"item";
     return root;
   };
-  const MenuItemPtr menus[] = {menuOf(5000, L"first menu"), menuOf(40, L"second")};
+  const MenuItemPtr menus[] = {menuOf(5000), menuOf(40)};
   const std::string whole[] = {*SerializeMenu(*menus[0], page_, nullptr), *SerializeMenu(*menus[1], page_, nullptr)};
-  const std::wstring path = dir_.Path(L"Command.mnu");
   std::atomic<int> running{2};
   auto writer = [&](const cMenuItem& root) {
     cMenuFile defs(page_, profile_);
-    for (int i = 0; i < 100; ++i) EXPECT_TRUE(defs.FlushCommand2Def(path, L"", root));
+    for (int i = 0; i < 100; ++i) EXPECT_TRUE(defs.FlushCommand2Def(dir_.Path(L"Command.mnu"), L"", root));
     --running;
   };
   std::thread first(writer, std::cref(*menus[0])), second(writer, std::cref(*menus[1]));
-  int mixed = 0;
-  while (running > 0) {
-    const std::string read = dir_.Read(L"Command.mnu");
-    mixed += !read.empty() && read != whole[0] && read != whole[1];
+  for (std::string read; running > 0;) {
+    read = dir_.Read(L"Command.mnu");
+    EXPECT_TRUE(read.empty() || read == whole[0] || read == whole[1]) << read.size();
   }
   first.join();
   second.join();
-  EXPECT_EQ(mixed, 0);
-  const std::string last = dir_.Read(L"Command.mnu");
-  EXPECT_TRUE(last == whole[0] || last == whole[1]);
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir_.Fs()), {}), 1);
 }
 
