@@ -103,27 +103,6 @@ TEST_F(NarrixInfoTest, FoldersProgramsAndSettings) {
   EXPECT_EQ(info_.DirVelkor(), L"C:\\Reader\\");
 }
 
-TEST_F(NarrixInfoTest, FontsAndVisibilityOfOtherWindows) {
-  TextBoxFont current;
-  current.size = 12;
-  current.name = L"Courier";
-  const TextBoxFont unset = info_.TextBoxFontLoad(L"fText", current);
-  EXPECT_EQ(unset.name + std::to_wstring(unset.size), L"Arial12");  // nothing stored: "Arial"
-  TextBoxFont stored;
-  stored.name = L"Verdana";
-  stored.bold = true;
-  stored.fontColor = 255;
-  info_.TextBoxFontSave(L"fText", stored);
-  const TextBoxFont loaded = info_.TextBoxFontLoad(L"fText", current);
-  EXPECT_EQ(loaded.name + std::to_wstring(loaded.bold) + std::to_wstring(loaded.fontColor), L"Verdana1255");
-  int shown = 0;
-  EXPECT_FALSE(info_.FormVisibility(L"fText"));
-  info_.FormVisibilityLoad(L"fText", [&] { ++shown; });
-  info_.FormVisibilitySave(L"fText", true);
-  info_.FormVisibilityLoad(L"fText", [&] { ++shown; });
-  EXPECT_EQ(shown, 1);
-}
-
 TEST(CommandLine, Splitting) {
   const struct {
     const wchar_t* args;
