@@ -18,32 +18,22 @@ struct Control {
   std::string kind, caption;
 };
 
-// The controls of each dialog template of the resource script, in order.
+// The controls of each dialog template of the resource script, in order:
+// the indented lines between a DIALOGEX line and the END that closes it.
 std::map<std::string, std::vector<Control>> ReadDialogs() {
   std::ifstream in(NX_SOURCE_DIR "/resources/narrixmenu.rc");
   std::map<std::string, std::vector<Control>> dialogs;
   std::string line, current;
-  bool inBody = false;
   while (std::getline(in, line)) {
     std::istringstream words(line);
     std::string first, second;
     words >> first >> second;
-    if (second == "DIALOGEX" || second == "DIALOG") {
-      current = first;
-      dialogs[current];
-    } else if (!current.empty() && !inBody && first == "MENU") {
-      continue;
-    } else if (!current.empty() && first == "BEGIN") {
-      inBody = true;
-    } else if (!current.empty() && first == "END") {
-      inBody = false;
-      current.clear();
-    } else if (inBody && !first.empty()) {
-      Control control{first, ""};
-      const size_t open = line.find('"');
-      if (open != std::string::npos) control.caption = line.substr(open + 1, line.find('"', open + 1) - open - 1);
-      dialogs[current].push_back(control);
-    }
+    if (second == "DIALOGEX") current = first, dialogs[current];
+    if (line == "END") current.clear();
+    if (current.empty() || line.rfind("    ", 0) != 0) continue;
+    const size_t open = line.find('"');
+    dialogs[current].push_back(
+        {first, open == std::string::npos ? "" : line.substr(open + 1, line.find('"', open + 1) - open - 1)});
   }
   return dialogs;
 }
