@@ -14,19 +14,20 @@
 namespace nx {
 namespace {
 
+// An empty value counts as none; names ignore case; a subkey joins the key.
 TEST(Settings, RegistryValuesAndDefaults) {
   MemoryRegistry reg;
   reg.WriteString(L"SOFTWARE\\Velkor\\NarrixXP", L"Empty", L"");
   reg.WriteString(L"SOFTWARE\\Velkor\\NarrixXP", L"Name", L"x");
   reg.WriteString(L"SOFTWARE\\Velkor\\NarrixXP\\Lens", L"BufferSize", L"12");
-  EXPECT_EQ(GetRegValue(reg, kProductKey, L"", L"Empty", L"def"), L"def");
-  EXPECT_EQ(GetRegValue(reg, kProductKey, L"", L"name", L"def"), L"x");
-  EXPECT_EQ(GetRegValue(reg, L"SOFTWARE\\Velkor\\", L"NarrixXP", L"Name", L"def"), L"x");
-  EXPECT_EQ(GetRegValue(reg, kMakerKey, L"NarrixXP", L"Missing", L"def"), L"def");
-  EXPECT_EQ(GetRegNumber(reg, kProductKey, L"Lens", L"BufferSize", 10), 12);
-  EXPECT_EQ(GetRegNumber(reg, kProductKey, L"", L"Name", 10), 10);
   SetRegValue(reg, kProductKey, L"Sub", L"V", L"1");
-  EXPECT_TRUE(GetRegBool(reg, kProductKey, L"Sub", L"V", false));
+  EXPECT_EQ(GetRegValue(reg, kProductKey, L"", L"Empty", L"def") + GetRegValue(reg, kProductKey, L"", L"name", L"-") +
+                GetRegValue(reg, L"SOFTWARE\\Velkor\\", L"NarrixXP", L"Name", L"-") +
+                GetRegValue(reg, kMakerKey, L"NarrixXP", L"Missing", L"def") +
+                std::to_wstring(GetRegNumber(reg, kProductKey, L"Lens", L"BufferSize", 10)) +
+                std::to_wstring(GetRegNumber(reg, kProductKey, L"", L"Name", 10)) +
+                std::to_wstring(GetRegBool(reg, kProductKey, L"Sub", L"V", false)),
+            L"defxxdef12101");
 }
 
 TEST(FileHelpers, PathsAndCommands) {
@@ -78,15 +79,13 @@ TEST_F(NarrixInfoTest, FoldersProgramsAndSettings) {
   reg_.WriteString(L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders", L"Personal",
                    dir.Path(L"My Documents"));
   int form = 0;
-  for (auto [name, value] : {std::pair{L"Path", L"C:\\Reader\\"},
-                             {L"NxPath", L"D:\\Nx"},
-                             {L"AppViever", L"view %1"},
-                             {L"AppHelpViever", L"help \"%1\""},
-                             {L"FileHelp", L"Doc\\%1\\%1.htm"},
-                             {L"ScreenReaderFlag", L"0"},
-                             {L"ExitDirect", L"1"},
-                             {L"LogKey", L"0"}})
-    Product(name, value);  // ExitDirect in the wrong key: ignored
+  // ExitDirect in the product's key is in the wrong key: ignored.
+  for (const wchar_t* pair :
+       {L"Path=C:\\Reader\\", L"NxPath=D:\\Nx", L"AppViever=view %1", L"AppHelpViever=help \"%1\"",
+        L"FileHelp=Doc\\%1\\%1.htm", L"ScreenReaderFlag=0", L"ExitDirect=1", L"LogKey=0"}) {
+    const std::wstring text = pair;
+    Product(text.substr(0, text.find(L'=')).c_str(), text.substr(text.find(L'=') + 1).c_str());
+  }
   info_.Inicialize(&form);
   EXPECT_EQ(info_.frmMain(), &form);
   EXPECT_EQ(Described(),
