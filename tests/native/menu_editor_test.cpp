@@ -1,12 +1,12 @@
-// The menu editor's logic through a fake view, scripted questions and a
-// stand-in for the item wizard.
+// The menu editor's logic through a fake window: its view, scripted
+// questions and a stand-in for the item wizard.
 #include <gtest/gtest.h>
 
 #include <map>
 #include <vector>
 
 #include "menu/menu_editor.h"
-#include "platform/folders.h"
+#include "menu_records.h"
 #include "platform/text.h"
 #include "startup/settings.h"
 #include "temp_folder.h"
@@ -14,8 +14,12 @@
 namespace nx {
 namespace {
 
-// A tree view in memory: nodes in insertion order with their parents.
-class FakeEditorView : public IMenuEditorView {
+// The window around the editor, in memory: a tree view (nodes in insertion
+// order with their parents), message boxes answered from a script, pop-up
+// menus that hold nothing, and a stand-in for the item wizard that says what
+// it was given as a message: OK finishes it with its own fields, anything
+// else cancels it.
+class FakeWindow : public IMenuEditorView, public IPrompts, public INativeMenus, public IItemWizard {
  public:
   struct Node {
     std::wstring key, parent, text;
@@ -27,6 +31,9 @@ class FakeEditorView : public IMenuEditorView {
   std::wstring menu;  // " {the item menu's commands}" when it was opened
   bool applyEnabled = false, closed = false, nameFocused = false;
   int previewAnswer = 0;
+  std::string answers;              // to the questions to come: y Yes, n No, c Cancel, o OK
+  std::vector<std::wstring> asked;  // each up to its first line break, " [No]" where No is the default button
+  std::wstring last;                // the last message whole
 
   void SetTitle(const std::wstring&) override {}
   void SetText(EditorText, const std::wstring&) override {}
@@ -49,16 +56,35 @@ class FakeEditorView : public IMenuEditorView {
   }
   void SetFields(const std::wstring& text, const std::wstring&, const std::wstring&) override { name = text; }
   void FocusNameField() override { nameFocused = true; }
-  void OpenItemMenu() override {
-    // In the order of EditorCommand; Delete is always there.
+  void OpenItemMenu() override {  // the commands in the order of EditorCommand; Delete is always there
     const wchar_t* names[] = {L"New", L"Edit", L"Copy", L"Cut", L"Paste", L"Next", L"Child", L"", L"Up", L"Down"};
-    menu = L" {";
     for (int i = 0; i < 10; ++i)
-      if (enabled[static_cast<EditorCommand>(i)]) menu += (menu.size() > 2 ? L" " : L"") + std::wstring(names[i]);
-    menu += L"}";
+      if (enabled[static_cast<EditorCommand>(i)]) menu += (menu.empty() ? L" {" : L" ") + std::wstring(names[i]);
+    menu += menu.empty() ? L" {}" : L"}";
   }
   int TrackPreview(NativeMenu) override { return previewAnswer; }
   void Close() override { closed = true; }
+
+  int Message(const std::wstring& text, unsigned style, const std::wstring&) override {
+    asked.push_back(text.substr(0, text.find(L"\r\n")) + (style & mb::kDefaultButton2 ? L" [No]" : L""));
+    last = text;
+    if (answers.empty()) ADD_FAILURE() << "unexpected question: " << WideToUtf8(text);
+    const char answer = answers.empty() ? 'c' : answers[0];
+    answers.erase(0, 1);
+    return answer == 'y' ? mb::kIdYes : answer == 'n' ? mb::kIdNo : answer == 'o' ? mb::kIdOk : mb::kIdCancel;
+  }
+
+  NativeMenu CreatePopup() override { return 1; }
+  void AppendPopup(NativeMenu, NativeMenu, const std::wstring&) override {}
+  void AppendCommand(NativeMenu, int, const std::wstring&) override {}
+  void Destroy(NativeMenu) override {}
+
+  std::optional<ItemFields> Describe(const ItemFields& item, bool isNew, const cMenuItem*, const cMenuItem*) override {
+    const std::wstring given = (isNew ? L"new " : L"edit ") + item.Caption + L"|" + item.Action + L"|" +
+                               std::to_wstring(item.HotKey) + (item.Discard ? L"|discard" : L"");
+    if (Message(given, mb::kOkOnly, L"") != mb::kIdOk) return std::nullopt;
+    return ItemFields{L"Typed", L"SayTime", 0x00020043, !item.Discard};
+  }
 
   // "text(children)" of the tree as shown.
   std::wstring Shape(const std::wstring& parent = L"") const {
@@ -71,48 +97,10 @@ class FakeEditorView : public IMenuEditorView {
   }
 };
 
-class ScriptedPrompts : public IPrompts {
- public:
-  std::string answers;              // to the questions to come: y Yes, n No, c Cancel, o OK
-  std::vector<std::wstring> asked;  // each up to its first line break, " [No]" where No is the default button
-  std::wstring last;                // the last message whole
-  int Message(const std::wstring& text, unsigned style, const std::wstring&) override {
-    asked.push_back(text.substr(0, text.find(L"\r\n")) + (style & mb::kDefaultButton2 ? L" [No]" : L""));
-    last = text;
-    if (answers.empty()) ADD_FAILURE() << "unexpected question: " << WideToUtf8(text);
-    const char answer = answers.empty() ? 'c' : answers[0];
-    answers.erase(0, 1);
-    return answer == 'y' ? mb::kIdYes : answer == 'n' ? mb::kIdNo : answer == 'o' ? mb::kIdOk : mb::kIdCancel;
-  }
-};
-
-class NullMenus : public INativeMenus {
- public:
-  NativeMenu CreatePopup() override { return 1; }
-  void AppendPopup(NativeMenu, NativeMenu, const std::wstring&) override {}
-  void AppendCommand(NativeMenu, int, const std::wstring&) override {}
-  void Destroy(NativeMenu) override {}
-};
-
-// Stands in for the item wizard: says what it was given as a message; OK
-// finishes it with its own fields, anything else cancels it.
-class FakeWizard : public IItemWizard {
- public:
-  explicit FakeWizard(IPrompts& prompts) : prompts_(prompts) {}
-  std::optional<ItemFields> Describe(const ItemFields& item, bool isNew, const cMenuItem*, const cMenuItem*) override {
-    const std::wstring given = (isNew ? L"new " : L"edit ") + item.Caption + L"|" + item.Action + L"|" +
-                               std::to_wstring(item.HotKey) + (item.Discard ? L"|discard" : L"");
-    if (prompts_.Message(given, mb::kOkOnly, L"") != mb::kIdOk) return std::nullopt;
-    return ItemFields{L"Typed", L"SayTime", 0x00020043, !item.Discard};
-  }
-
- private:
-  IPrompts& prompts_;
-};
-
 using C = EditorCommand;
 constexpr const wchar_t* kTop = L"Application (notepad)";
-const std::wstring kStart = L"File(Open Save) Edit(Copy) Quit", kSub = L" | Save as subitem? [No]",
+const std::wstring kMenu = L"Set\\notepad\\Command.mnu", kStart = L"File(Open Save) Edit(Copy) Quit",
+                   kSub = L" | Save as subitem? [No]",
                    kTyped = L" | new New item||0|discard";  // what the wizard is given for a new item
 
 // File(Open, Save) Edit(Copy) Quit in "notepad", where Open has a command
@@ -124,36 +112,15 @@ class MenuEditorTest : public ::testing::Test {
     registry_.WriteString(kProductKey, L"Path", dir_.Path());
     info_.Inicialize(nullptr);
     defs_.SetFolder(dir_.Path(L"Set\\"));
-    WriteMenu({{L"File", L"", 0, 0},
-               {L"Open", L"shell(open.vbs)", 0x123, 1},
-               {L"Save", L"SaveIt", 0, 1},
-               {L"Edit", L"", 0, 0},
-               {L"Copy", L"CopyIt", 0, 1},
-               {L"Quit", L"", 0x00020051, 0}});
-    Restart(&wizard_);
+    dir_.Write(kMenu, Record(0, 0, "File") + Record(1, 0x123, "Open", "shell(open.vbs)") +
+                          Record(1, 0, "Save", "SaveIt") + Record(0, 0, "Edit") + Record(1, 0, "Copy", "CopyIt") +
+                          Record(0, 0x00020051, "Quit"));
+    Restart(&ui_);
   }
-
-  struct ItemRow {
-    std::wstring caption, action;
-    int32_t hotKey;
-    size_t level;
-  };
-  void WriteMenu(const std::vector<ItemRow>& items) {
-    auto root = cMenuItem::New();
-    std::vector<cMenuItem*> parents{root.get()};
-    for (const ItemRow& row : items) {
-      parents.resize(row.level + 1);
-      auto item = parents.back()->SubItems.Add(1, parents.back(), cMenuItem::New());
-      item->SetFields({row.caption, row.action, row.hotKey});
-      parents.push_back(item.get());
-    }
-    ASSERT_TRUE(cMenuFile(defs_.CodePage(), defs_.Profile()).FlushCommand2Def(MenuFile(), L"", *root));
-  }
-  std::wstring MenuFile() const { return dir_.Path(L"Set\\notepad\\Command.mnu"); }
   // A new editor, without a clipboard, on the menu.
   void Restart(IItemWizard* wizard) {
     editor_ = std::make_unique<fMenuDef>(
-        view_, prompts_, MenuEditorServices{session_, info_, defs_, profile_, menus_, braille_, nullptr, wizard});
+        ui_, ui_, MenuEditorServices{session_, info_, defs_, profile_, ui_, braille_, nullptr, wizard});
     editor_->Form_Load();
     Open();
   }
@@ -161,11 +128,11 @@ class MenuEditorTest : public ::testing::Test {
   // Selects the item as a click does (null: nothing), with the answers to
   // the questions to come.
   void At(const wchar_t* text, const char* answers = "") {
-    view_.selected.reset();
-    for (const auto& n : view_.nodes)
-      if (text && n.text == text) view_.selected = n.key;
-    if (view_.selected) editor_->trvMenu_NodeClick(*view_.selected);
-    prompts_.answers = answers;
+    ui_.selected.reset();
+    for (const auto& n : ui_.nodes)
+      if (text && n.text == text) ui_.selected = n.key;
+    if (ui_.selected) editor_->trvMenu_NodeClick(*ui_.selected);
+    ui_.answers = answers;
   }
   void Do(const wchar_t* at, EditorCommand command, const char* answers = "") {
     At(at, answers);
@@ -175,20 +142,20 @@ class MenuEditorTest : public ::testing::Test {
   // field shows when that differs), " *" when changed, then the item menu
   // and what was said since the last look.
   std::wstring State() {
-    std::wstring out = view_.Shape(), top = kTop + std::wstring(L"(");
+    std::wstring out = ui_.Shape(), top = kTop + std::wstring(L"(");
     if (out.rfind(top, 0) == 0) out = out.substr(top.size(), out.size() - top.size() - 1);
-    const std::wstring selected = view_.selected ? view_.NodeText(*view_.selected) : L"(none)";
-    out += L" [" + selected + (view_.selected && view_.name != selected ? L" shows " + view_.name : L"") + L"]";
-    if (editor_->Dirty() || view_.applyEnabled) out += editor_->Dirty() == view_.applyEnabled ? L" *" : L" Apply?";
-    out += view_.menu + Said();
-    view_.menu.clear();
+    const std::wstring selected = ui_.selected ? ui_.NodeText(*ui_.selected) : L"(none)";
+    out += L" [" + selected + (ui_.selected && ui_.name != selected ? L" shows " + ui_.name : L"") + L"]";
+    if (editor_->Dirty() || ui_.applyEnabled) out += editor_->Dirty() == ui_.applyEnabled ? L" *" : L" Apply?";
+    out += ui_.menu + Said();
+    ui_.menu.clear();
     return out;
   }
   // What was said since the last look, the folder as "~".
   std::wstring Said() {
     std::wstring out;
-    for (const auto& said : prompts_.asked) out += L" | " + ReplaceAll(said, dir_.Path(), L"~");
-    prompts_.asked.clear();
+    for (const auto& said : ui_.asked) out += L" | " + ReplaceAll(said, dir_.Path(), L"~");
+    ui_.asked.clear();
     return out;
   }
   static const cMenuItem* Find(const cMenuItem& in, const std::wstring& caption) {
@@ -204,11 +171,8 @@ class MenuEditorTest : public ::testing::Test {
   BuiltinCodePage page_{1252};
   PortableProfile profile_{page_};
   cDefServer defs_{page_, profile_, L""};
-  NullMenus menus_;
   std::unique_ptr<IBrailleDisplay> braille_;
-  ScriptedPrompts prompts_;
-  FakeEditorView view_;
-  FakeWizard wizard_{prompts_};
+  FakeWindow ui_;
   std::unique_ptr<fMenuDef> editor_;
 };
 
@@ -221,54 +185,47 @@ TEST_F(MenuEditorTest, KeysRunTheCommands) {
   const std::wstring remove = L" | Are you sure to remove the item ";
   dir_.Write(L"Set\\notepad\\Open.vbs", "x");
   dir_.Write(L"Set\\notepad\\Open.frm", "x");
-  struct Step {
+  const struct {
     const wchar_t* at;
-    int key, shift;
+    int key, shift;  // no key: a new editor without a wizard
     const char* answers;
     std::wstring state;
+  } steps[] = {
+      {L"Open", 121, 0, "", L"not taken: " + kStart + L" [Open]"},          // F10 alone is the menu bar's
+      {L"Open", 121, 1, "", kStart + L" [Open] {New Edit Copy Cut Down}"},  // Shift+F10: the item menu
+      {kTop, 'C', 2, "", kStart + L" [" + kTop + L"]"},                     // the top node is not copied
+      {L"Quit", 93, 0, "", kStart + L" [Quit] {New Edit Copy Cut Up}"},     // the menu key
+      {L"Save", 'C', 2, "", kStart + L" [Save]"},
+      {L"Edit", 93, 0, "", kStart + L" [Edit] {New Edit Copy Cut Paste Next Child Up Down}"},
+      {kTop, 93, 0, "", kStart + L" [" + kTop + L"] {New Paste Child}"},
+      {L"Quit", 40, 1, "", kStart + L" [Quit]"},  // already last
+      {L"Quit", 38, 1, "", L"File(Open Save) Quit Edit(Copy) [Quit] *"},
+      {L"Quit", 38, 1, "", L"Quit File(Open Save) Edit(Copy) [Quit] *"},
+      {L"Quit", 38, 1, "", L"Quit File(Open Save) Edit(Copy) [Quit] *"},  // already first
+      {L"Open", 40, 1, "", L"Quit File(Save Open) Edit(Copy) [Open] *"},
+      {L"Open", 'X', 2, "", L"Quit File(Save Open) Edit(Copy) [Open] *"},
+      {L"Copy", 'V', 2, "n", L"Quit File(Save) Edit(Copy Open) [Open] *" + kSub},
+      {L"Save", 'C', 2, "", L"Quit File(Save) Edit(Copy Open) [Save] *"},
+      {L"Quit", 'V', 2, "n", L"Quit Save File(Save) Edit(Copy Open) [Save] *" + kSub},
+      {L"Copy", 46, 0, "y", L"Quit Save File(Save) Edit(Open) [Open] *" + remove + L"Copy"},
+      {L"Open", 13, 4, "o", L"Quit Save File(Save) Edit(Typed) [Typed] * | edit Open|shell(open.vbs)|291"},
+      {L"Quit", 'N', 2, "on", L"Quit Typed Save File(Save) Edit(Typed) [Typed] *" + kTyped + kSub},
+      {L"Quit", 'N', 2, "oc", L"Quit Typed Save File(Save) Edit(Typed) [Quit] *" + kTyped + kSub},  // not placed
+      {L"Quit", 'V', 2, "n", L"Quit Save Typed Save File(Save) Edit(Typed) [Save] *" + kSub},       // still held
+      {kTop, 0, 0, "", kStart + L" [" + kTop + L"]"},
+      {L"File", 93, 0, "", kStart + L" [File] {Copy Cut Down}"},  // no wizard: no New, no Edit
+      {L"Edit", 46, 0, "n", kStart + L" [Edit]" + remove + L"Edit and its subitems?"},
+      {L"Open", 46, 0, "yy", L"File(Save) Edit(Copy) Quit [Save] *" + remove + L"Open | Smazat soubor Open.vbs? [No]"},
+      {L"Quit", 46, 0, "y", L"File(Save) Edit(Copy) [Edit] *" + remove + L"Quit"},
+      {L"Save", 46, 0, "y", L"File Edit(Copy) [File] *" + remove + L"Save"},
+      {L"Edit", 46, 0, "y", L"File [File] *" + remove + L"Edit and its subitems?"},
+      {kTop, 46, 0, "y", L" [(none)] * | This action will completely remove the definion file. [No]"},
   };
-  const std::vector<std::vector<Step>> runs = {
-      {
-          {L"Open", 121, 0, "", L"not taken: " + kStart + L" [Open]"},          // F10 alone is the menu bar's
-          {L"Open", 121, 1, "", kStart + L" [Open] {New Edit Copy Cut Down}"},  // Shift+F10: the item menu
-          {kTop, 'C', 2, "", kStart + L" [" + kTop + L"]"},                     // the top node is not copied
-          {L"Quit", 93, 0, "", kStart + L" [Quit] {New Edit Copy Cut Up}"},     // the menu key
-          {L"Save", 'C', 2, "", kStart + L" [Save]"},
-          {L"Edit", 93, 0, "", kStart + L" [Edit] {New Edit Copy Cut Paste Next Child Up Down}"},
-          {kTop, 93, 0, "", kStart + L" [" + kTop + L"] {New Paste Child}"},
-          {L"Quit", 40, 1, "", kStart + L" [Quit]"},  // already last
-          {L"Quit", 38, 1, "", L"File(Open Save) Quit Edit(Copy) [Quit] *"},
-          {L"Quit", 38, 1, "", L"Quit File(Open Save) Edit(Copy) [Quit] *"},
-          {L"Quit", 38, 1, "", L"Quit File(Open Save) Edit(Copy) [Quit] *"},  // already first
-          {L"Open", 40, 1, "", L"Quit File(Save Open) Edit(Copy) [Open] *"},
-          {L"Open", 'X', 2, "", L"Quit File(Save Open) Edit(Copy) [Open] *"},
-          {L"Copy", 'V', 2, "n", L"Quit File(Save) Edit(Copy Open) [Open] *" + kSub},
-          {L"Save", 'C', 2, "", L"Quit File(Save) Edit(Copy Open) [Save] *"},
-          {L"Quit", 'V', 2, "n", L"Quit Save File(Save) Edit(Copy Open) [Save] *" + kSub},
-          {L"Copy", 46, 0, "y", L"Quit Save File(Save) Edit(Open) [Open] *" + remove + L"Copy"},
-          {L"Open", 13, 4, "o", L"Quit Save File(Save) Edit(Typed) [Typed] * | edit Open|shell(open.vbs)|291"},
-          {L"Quit", 'N', 2, "on", L"Quit Typed Save File(Save) Edit(Typed) [Typed] *" + kTyped + kSub},
-          {L"Quit", 'N', 2, "oc", L"Quit Typed Save File(Save) Edit(Typed) [Quit] *" + kTyped + kSub},  // not placed
-          {L"Quit", 'V', 2, "n", L"Quit Save Typed Save File(Save) Edit(Typed) [Save] *" + kSub},       // still held
-      },
-      {
-          {L"File", 93, 0, "", kStart + L" [File] {Copy Cut Down}"},  // no wizard: no New, no Edit
-          {L"Edit", 46, 0, "n", kStart + L" [Edit]" + remove + L"Edit and its subitems?"},
-          {L"Open", 46, 0, "yy",
-           L"File(Save) Edit(Copy) Quit [Save] *" + remove + L"Open | Smazat soubor Open.vbs? [No]"},
-          {L"Quit", 46, 0, "y", L"File(Save) Edit(Copy) [Edit] *" + remove + L"Quit"},
-          {L"Save", 46, 0, "y", L"File Edit(Copy) [File] *" + remove + L"Save"},
-          {L"Edit", 46, 0, "y", L"File [File] *" + remove + L"Edit and its subitems?"},
-          {kTop, 46, 0, "y", L" [(none)] * | This action will completely remove the definion file. [No]"},
-      },
-  };
-  for (const auto& run : runs) {
-    Restart(&run == &runs[0] ? &wizard_ : nullptr);
-    for (const auto& s : run) {
-      At(s.at, s.answers);
-      const bool taken = editor_->trvMenu_KeyDown(s.key, s.shift);
-      EXPECT_EQ((taken ? L"" : L"not taken: ") + State(), s.state) << s.key;
-    }
+  for (const auto& s : steps) {
+    if (!s.key) Restart(nullptr);
+    At(s.at, s.answers);
+    const bool ignored = s.key && !editor_->trvMenu_KeyDown(s.key, s.shift);
+    EXPECT_EQ((ignored ? L"not taken: " : L"") + State(), s.state) << s.key;
   }
   editor_->cmdOK_Click();  // no tree: the file goes
   for (const char* gone : {"Command.mnu", "Open.vbs", "Open.frm"})
@@ -315,14 +272,13 @@ TEST_F(MenuEditorTest, PlacingAsksWhereAndAboutPullDowns) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(&c - cases);
-    Restart(&wizard_);
+    Restart(&ui_);
     Do(c.held, c.hold);  // nothing held when null
     Do(c.at, c.command, c.answers);
     EXPECT_EQ(State(), c.state);
-    for (const wchar_t* name : {L"Open", L"Quit"}) {  // a pull-down has neither command nor hot key
-      const cMenuItem* item = Find(*editor_->Root(), name);
-      EXPECT_TRUE(item && (item->Action.empty() && !item->HotKey) == (item->SubItems.Count() > 0)) << WideToUtf8(name);
-    }
+    // A pull-down has neither command nor hot key.
+    for (const cMenuItem* item : {Find(*editor_->Root(), L"Open"), Find(*editor_->Root(), L"Quit")})
+      EXPECT_EQ(item->Action.empty() && !item->HotKey, item->SubItems.Count() > 0) << WideToUtf8(item->Caption);
   }
 }
 
@@ -331,7 +287,7 @@ TEST_F(MenuEditorTest, PlacingAsksWhereAndAboutPullDowns) {
 // keeps the window and the edits and says so.
 TEST_F(MenuEditorTest, ClosingAsksToSave) {
   EXPECT_TRUE(editor_->Form_QueryUnload());  // nothing changed: nothing asked
-  const std::string bytes = dir_.Read(L"Set\\notepad\\Command.mnu");
+  const std::string bytes = dir_.Read(kMenu);
   const std::wstring moved = L"File(Open Save) Quit Edit(Copy) [Quit]", save = L" | Save changes?",
                      failed = L" | The menu could not be saved to ~\\Set\\notepad\\Command.mnu.";
   const struct {
@@ -350,15 +306,14 @@ TEST_F(MenuEditorTest, ClosingAsksToSave) {
   for (const auto& c : cases) {
     SCOPED_TRACE(&c - cases);
     std::filesystem::create_directories(dir_.Fs() / "Set" / "notepad");
-    dir_.Write(L"Set\\notepad\\Command.mnu", bytes);
-    Restart(&wizard_);
-    view_.closed = false;
-    At(L"Quit", c.answers);
-    editor_->MoveSelected(false);
+    dir_.Write(kMenu, bytes);
+    Restart(&ui_);
+    ui_.closed = false;
+    Do(L"Quit", C::MoveUp, c.answers);
     if (c.fails) std::filesystem::remove_all(dir_.Fs() / "Set" / "notepad");
-    const bool closes = *c.answers == 'o' ? (editor_->cmdOK_Click(), view_.closed) : editor_->Form_QueryUnload();
+    const bool closes = *c.answers == 'o' ? (editor_->cmdOK_Click(), ui_.closed) : editor_->Form_QueryUnload();
     EXPECT_EQ((closes ? L"closed " : L"") + State(), c.state);
-    Restart(&wizard_);
+    Restart(&ui_);
     EXPECT_EQ(State(), c.saved + std::wstring(c.fails ? L" [(none)]" : L" [Application (notepad)]"));
   }
 }
@@ -367,36 +322,36 @@ TEST_F(MenuEditorTest, ClosingAsksToSave) {
 // empty menu has no preview until its first new item, which makes the top
 // node and goes under it unasked.
 TEST_F(MenuEditorTest, PreviewFollowsTheTree) {
-  view_.previewAnswer = 257;  // "Open"
+  ui_.previewAnswer = 257;  // "Open"
   editor_->mnuPreview_Click();
   EXPECT_EQ(State(), L"File(Open Save) Edit(Copy) Quit [Open]");
-  EXPECT_TRUE(view_.nameFocused);
-  std::filesystem::remove(ToFsPath(MenuFile()));
+  EXPECT_TRUE(ui_.nameFocused);
+  std::filesystem::remove(dir_.Fs() / "Set" / "notepad" / "Command.mnu");
   Open();
-  EXPECT_FALSE(view_.enabled[C::Preview]);
-  prompts_.answers = "o";
+  EXPECT_FALSE(ui_.enabled[C::Preview]);
+  ui_.answers = "o";
   editor_->mnuNew_Click();
-  EXPECT_EQ(view_.Shape(), L"Application (notepad)(Typed)");
-  EXPECT_TRUE(view_.enabled[C::Preview]);
+  EXPECT_EQ(ui_.Shape(), L"Application (notepad)(Typed)");
+  EXPECT_TRUE(ui_.enabled[C::Preview]);
 }
 
 // Told once the window is shown; the first save keeps the original beside
 // it, or does not write when it cannot; later saves leave that copy alone.
 TEST_F(MenuEditorTest, DamagedFileIsReportedAndKept) {
-  const std::string bytes = dir_.Read(L"Set\\notepad\\Command.mnu"), damaged = bytes.substr(0, bytes.size() - 3);
+  const std::string bytes = dir_.Read(kMenu), damaged = bytes.substr(0, bytes.size() - 3);
   const std::wstring shown = L"File(Open Save) Edit(Copy) [Application (notepad)]";
-  dir_.Write(L"Set\\notepad\\Command.mnu", damaged);
+  dir_.Write(kMenu, damaged);
   Open();
   EXPECT_EQ(State(), shown);
-  prompts_.answers = "oo";
+  ui_.answers = "oo";
   editor_->Form_Activate();
   editor_->Form_Activate();
   std::filesystem::create_directory(dir_.Fs() / "Set" / "notepad" / "Command.mnu.bak");
   editor_->cmdApply_Click();
-  EXPECT_NE(prompts_.last.find(L"\r\nThe damaged original could not be kept as "), std::wstring::npos);
+  EXPECT_NE(ui_.last.find(L"\r\nThe damaged original could not be kept as "), std::wstring::npos);
   EXPECT_EQ(State(), shown + L" | The menu file ~\\Set\\notepad\\Command.mnu is damaged: only the items before the " +
                          L"damage could be read. | The menu could not be saved to ~\\Set\\notepad\\Command.mnu.");
-  EXPECT_EQ(dir_.Read(L"Set\\notepad\\Command.mnu"), damaged);
+  EXPECT_EQ(dir_.Read(kMenu), damaged);
   std::filesystem::remove(dir_.Fs() / "Set" / "notepad" / "Command.mnu.bak");
   editor_->cmdApply_Click();
   editor_->cmdApply_Click();
@@ -410,34 +365,30 @@ TEST_F(MenuEditorTest, DamagedFileIsReportedAndKept) {
 // not opened and never written; a paste or new item is not put deeper. A
 // script named on the command line waits for a menu that opens.
 TEST_F(MenuEditorTest, MenusAreAtMost25LevelsDeep) {
-  std::vector<ItemRow> items;
-  for (size_t level = 0; level < 26; ++level) items.push_back({L"L" + std::to_wstring(level + 1), L"", 0, level});
-  WriteMenu(items);
-  const std::string bytes = dir_.Read(L"Set\\notepad\\Command.mnu");
+  std::string bytes;  // L1(L2(...(L26)))
+  for (int16_t level = 0; level < 26; ++level) bytes += Record(level, 0, "L" + std::to_string(level + 1));
+  dir_.Write(kMenu, bytes);
   session_.gCmdScriptPath = L"a.vbs";
   Open();
   EXPECT_EQ(State(), L" [(none)]");
-  prompts_.answers = "o";
+  ui_.answers = "o";
   editor_->Form_Activate();
   editor_->trvMenu_GotFocus();
   editor_->mnuNew_Click();
   editor_->cmdApply_Click();
   EXPECT_NE(State().find(L" | The menu file ~\\Set\\notepad\\Command.mnu has items nested more than 25 levels"),
             std::wstring::npos);
-  EXPECT_TRUE(view_.closed);
-  EXPECT_EQ(dir_.Read(L"Set\\notepad\\Command.mnu"), bytes);
+  EXPECT_TRUE(ui_.closed);
+  EXPECT_EQ(dir_.Read(kMenu), bytes);
 
-  items.pop_back();
-  WriteMenu(items);
-  Restart(&wizard_);
-  prompts_.answers = "o";
+  dir_.Write(kMenu, bytes.substr(0, bytes.size() - Record(25, 0, "L26").size()));
+  Restart(&ui_);
+  ui_.answers = "o";
   editor_->trvMenu_GotFocus();
   editor_->trvMenu_GotFocus();
   ASSERT_EQ(Said(), kTyped);  // once
-  const auto deep = [](const wchar_t* item) {
-    return L" | The item " + std::wstring(item) + L" cannot go there: the menu would have more than 25 levels, the " +
-           L"most the menu editor can edit.";
-  };
+  const std::wstring deep =
+      L" cannot go there: the menu would have more than 25 levels, the most the menu editor can edit.";
   const struct {
     const wchar_t *copy, *target;
     EditorCommand command;
@@ -445,10 +396,10 @@ TEST_F(MenuEditorTest, MenusAreAtMost25LevelsDeep) {
     std::wstring said;
     bool pasted;  // under L24: after L25 or as its first child
   } cases[] = {
-      {L"L25", L"L25", C::PasteAsChild, "o", deep(L"L25"), false},
-      {L"L24", L"L25", C::Paste, "o", deep(L"L24"), false},  // refused before asking
-      {L"L25", L"L25", C::Paste, "yon", kSub + deep(L"L25") + kSub, true},
-      {nullptr, L"L25", C::New, "oyon", kTyped + kSub + deep(L"Typed") + kSub, true},
+      {L"L25", L"L25", C::PasteAsChild, "o", L" | The item L25" + deep, false},
+      {L"L24", L"L25", C::Paste, "o", L" | The item L24" + deep, false},  // refused before asking
+      {L"L25", L"L25", C::Paste, "yon", kSub + L" | The item L25" + deep + kSub, true},
+      {nullptr, L"L25", C::New, "oyon", kTyped + kSub + L" | The item Typed" + deep + kSub, true},
       {L"L25", L"L24", C::PasteAsChild, "", L"", true},
   };
   for (const auto& c : cases) {
@@ -457,7 +408,7 @@ TEST_F(MenuEditorTest, MenusAreAtMost25LevelsDeep) {
     Do(c.copy, C::Copy);
     Do(c.target, c.command, c.answers);
     EXPECT_EQ(Said(), c.said);
-    EXPECT_EQ(view_.NodeCount(), c.pasted ? 27 : 26);
+    EXPECT_EQ(ui_.NodeCount(), c.pasted ? 27 : 26);
     EXPECT_EQ(Find(*editor_->Root(), L"L24")->SubItems.Count(), c.pasted ? 2 : 1);
   }
 }
