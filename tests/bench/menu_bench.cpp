@@ -360,21 +360,19 @@ const fs::path& Installation(int apps) {
   return made[apps] = root;
 }
 
-std::wstring Wide(const fs::path& path) { return path.wstring(); }
-
 // The export as the Export button does it: every menu listed, the page
 // rewritten.
 void BM_Export(benchmark::State& state) {
   const int apps = static_cast<int>(state.range(0));
   const fs::path& root = Installation(apps);
-  const std::wstring dirSet = Wide(root / "Set");
+  const std::wstring dirSet = (root / "Set").wstring();
   nx::PortableProfile profile(kPage);
   nx::cDefServer defs(kPage, profile, dirSet + L"\\");
   const auto names = *nx::ListSubfolders(dirSet);
   for (auto _ : state) {
     std::wstring text = nx::MenuHelpSection(defs, {dirSet, L"(Narrix)", L"", true});
     for (const auto& name : names) text += nx::MenuHelpSection(defs, {dirSet, name, L"", false});
-    if (nx::UpdateHelpPage(nx::HelpPagePath(Wide(root)), text, kPage) != nx::HelpPageResult::Updated)
+    if (nx::UpdateHelpPage(nx::HelpPagePath(root.wstring()), text, kPage) != nx::HelpPageResult::Updated)
       state.SkipWithError("the page was not updated");
   }
   state.SetComplexityN(static_cast<int64_t>(apps) * kItemsPerMenu);
@@ -387,13 +385,13 @@ BENCHMARK(BM_Export)->Arg(75)->Arg(150)->Arg(300)->Unit(benchmark::kMillisecond)
 void BM_ExportFileWork(benchmark::State& state) {
   const int apps = static_cast<int>(state.range(0));
   const fs::path& root = Installation(apps);
-  const auto names = *nx::ListSubfolders(Wide(root / "Set"));
-  const std::wstring page = Wide(root / "help" / "narrix" / "baseline.htm");
+  const auto names = *nx::ListSubfolders((root / "Set").wstring());
+  const std::wstring page = (root / "help" / "narrix" / "baseline.htm").wstring();
   std::string bytes;
   for (auto _ : state) {
     size_t total = 0;
     for (const auto& name : names) {
-      nx::ReadFileBytes(Wide(root / "Set" / name / "Command.mnu"), bytes);
+      nx::ReadFileBytes((root / "Set" / name / "Command.mnu").wstring(), bytes);
       total += bytes.size();
     }
     // The page holds about 60 bytes a menu item.
