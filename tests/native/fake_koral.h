@@ -23,17 +23,15 @@ struct FakeKoral {
 };
 
 // The component and its display in one.
-class FakeKoralPart final : public IKoralComponent, public IKoralDisplay {
- public:
-  explicit FakeKoralPart(FakeKoral& k) : k_(k) {}
-  void Initialize(int32_t mode) override { k_.log.push_back(L"Initialize " + std::to_wstring(mode)); }
+struct FakeKoralPart final : IKoralComponent, IKoralDisplay {
+  explicit FakeKoralPart(FakeKoral& owner) : k(owner) {}
+  void Initialize(int32_t mode) override { k.log.push_back(L"Initialize " + std::to_wstring(mode)); }
   int32_t DisplayCount() override { return 1; }
   std::unique_ptr<IKoralDisplay> Display(int32_t index, IKoralDisplayEvents& events) override {
-    k_.log.push_back(L"Display " + std::to_wstring(index));
-    k_.events = &events;
-    return std::make_unique<FakeKoralPart>(k_);
+    return k.log.push_back(L"Display " + std::to_wstring(index)), k.events = &events,
+                                                                  std::make_unique<FakeKoralPart>(k);
   }
-  void Shutdown() override { k_.log.push_back(L"Shutdown"); }
+  void Shutdown() override { k.log.push_back(L"Shutdown"); }
   std::wstring Description() override { return L"Focus 40"; }
   int32_t Width() override { return 40; }
   int32_t Height() override { return 1; }
@@ -43,27 +41,20 @@ class FakeKoralPart final : public IKoralComponent, public IKoralDisplay {
   int32_t Buttons() override { return 12; }
   int32_t MaxRate() override { return 10; }
   int32_t UnitId() override { return 7; }
-  void SetButtonEvents(int32_t on) override { k_.log.push_back(L"ButtonEvents " + std::to_wstring(on)); }
-  void Open() override { k_.log.push_back(L"Open"); }
-  void Close() override { k_.log.push_back(L"Close"); }
-
- private:
-  FakeKoral& k_;
+  void SetButtonEvents(int32_t on) override { k.log.push_back(L"ButtonEvents " + std::to_wstring(on)); }
+  void Open() override { k.log.push_back(L"Open"); }
+  void Close() override { k.log.push_back(L"Close"); }
+  FakeKoral& k;
 };
 
-class FakeKoralFactory final : public IKoralFactory {
- public:
+struct FakeKoralFactory final : IKoralFactory {
   FakeKoral koral;
   bool ScreenReaderRunning() override { return koral.running; }
   std::unique_ptr<IKoralComponent> Attach() override { return Make(L"Attach"); }
   std::unique_ptr<IKoralComponent> Create() override { return Make(L"Create"); }
   bool Probe() override { return koral.installed; }
-
- private:
   std::unique_ptr<IKoralComponent> Make(const wchar_t* how) {
-    if (!koral.installed) return nullptr;
-    koral.log.push_back(how);
-    return std::make_unique<FakeKoralPart>(koral);
+    return koral.installed ? (koral.log.push_back(how), std::make_unique<FakeKoralPart>(koral)) : nullptr;
   }
 };
 

@@ -10,8 +10,7 @@ namespace {
 
 MenuItemPtr Item(const wchar_t* caption) {
   auto item = cMenuItem::New();
-  item->Caption = caption;
-  return item;
+  return item->Caption = caption, item;
 }
 
 MenuItemPtr Child(cMenuItem& parent, const wchar_t* caption) { return parent.SubItems.Add(1, &parent, Item(caption)); }
@@ -45,26 +44,18 @@ TEST(MenuItem, ListsKeepTheirOrderAndItemsOutliveTheirTree) {
 }
 
 // Records what the menu calls would have made.
-class FakeMenus : public INativeMenus {
- public:
+struct FakeMenus : INativeMenus {
   std::vector<std::wstring> log;
   NativeMenu next = 100;
   int live = 0;
-  NativeMenu CreatePopup() override {
-    ++live;
-    log.push_back(L"create " + std::to_wstring(next));
-    return next++;
-  }
+  NativeMenu CreatePopup() override { return log.push_back(L"create " + std::to_wstring(next)), ++live, next++; }
   void AppendPopup(NativeMenu menu, NativeMenu child, const std::wstring& label) override {
     log.push_back(std::to_wstring(menu) + L" popup " + std::to_wstring(child) + L" " + label);
   }
   void AppendCommand(NativeMenu menu, int id, const std::wstring& label) override {
     log.push_back(std::to_wstring(menu) + L" command " + std::to_wstring(id) + L" " + label);
   }
-  void Destroy(NativeMenu menu) override {
-    --live;
-    log.push_back(L"destroy " + std::to_wstring(menu));
-  }
+  void Destroy(NativeMenu menu) override { log.push_back(L"destroy " + std::to_wstring(menu)), --live; }
 };
 
 // The preview: a pop-up for every pull-down, each command with its hot key
@@ -72,19 +63,16 @@ class FakeMenus : public INativeMenus {
 TEST(MenuItem, CreateMenuBuildsNestedPopups) {
   FakeMenus menus;
   auto root = Item(L"root");  // the tree alone holds the other items
-  cMenuItem* deep = Child(*Child(*Child(*root, L"File"), L"Sub"), L"Deep").get();
-  deep->MenuId = 7;
-  deep->HotKey = 5;
+  Child(*Child(*Child(*root, L"File"), L"Sub"), L"Deep")->HotKey = 5;
   Child(*root, L"Plain")->MenuId = 9;
   auto text = [](int32_t code) { return code ? L"key" + std::to_wstring(code) : std::wstring(); };
 
   EXPECT_EQ(root->CreateMenu(menus, text), 100u);
   EXPECT_EQ(menus.log,
-            (std::vector<std::wstring>{L"create 100", L"create 101", L"create 102", L"102 command 7 Deep\tkey5",
+            (std::vector<std::wstring>{L"create 100", L"create 101", L"create 102", L"102 command 0 Deep\tkey5",
                                        L"101 popup 102 Sub", L"100 popup 101 File", L"100 command 9 Plain"}));
-  menus.log.clear();
   root->CreateMenu(menus, text);  // the old pop-ups go first
-  EXPECT_EQ(menus.log.front(), L"destroy 100");
+  EXPECT_EQ(menus.log.at(7), L"destroy 100");
   root->DestroyMenu();
   root->DestroyMenu();
   root.reset();
