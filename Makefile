@@ -56,18 +56,16 @@ test-asan: setup
 # Each libFuzzer target for FUZZ_SECONDS, starting from the demo menus and
 # tables; the corpora grow in $(FUZZ)/corpus from run to run. The combined
 # menu-and-profile inputs are a profile, a NUL byte and a menu.
-FUZZ_TARGETS := fuzz_menu_reader fuzz_tables fuzz_braille_profile fuzz_menu_with_profile
+FUZZ_TARGETS := fuzz_tables fuzz_braille_profile fuzz_menu_with_profile
 FUZZ_RUN = -max_total_time=$(FUZZ_SECONDS) -max_len=4096 -print_final_stats=0
 fuzz: setup native
 	CC=clang CXX=clang++ cmake -S . -B $(FUZZ) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DNX_FUZZ=ON -DNX_BUILD_TESTS=OFF
 	cmake --build $(FUZZ) -j $(JOBS) --target $(FUZZ_TARGETS)
-	mkdir -p $(addprefix $(FUZZ)/corpus/,menu tables profile menu-profile)
-	find $(NATIVE)/demo -name Command.mnu -exec sh -c 'cp "$$1" $(FUZZ)/corpus/menu/$$(echo "$$1" | md5sum | cut -c1-8)' _ {} \;
+	mkdir -p $(addprefix $(FUZZ)/corpus/,tables profile menu-profile)
 	find $(NATIVE)/demo -name '*.ini' -exec sh -c 'cp "$$1" $(FUZZ)/corpus/profile/$$(echo "$$1" | md5sum | cut -c1-8)' _ {} \;
 	find $(NATIVE)/demo -name Command.mnu -exec sh -c 'd=$$(dirname "$$1"); \
 	  { cat "$$d/Focus 40.ini"; printf "\0"; cat "$$1"; } > $(FUZZ)/corpus/menu-profile/$$(echo "$$1" | md5sum | cut -c1-8)' _ {} \;
 	cp $(NATIVE)/demo/Set/gKeyCode.def $(NATIVE)/demo/Set/gActions.def $(FUZZ)/corpus/tables/
-	$(FUZZ)/bin/fuzz_menu_reader $(FUZZ_RUN) $(FUZZ)/corpus/menu
 	$(FUZZ)/bin/fuzz_tables $(FUZZ_RUN) $(FUZZ)/corpus/tables
 	$(FUZZ)/bin/fuzz_braille_profile $(FUZZ_RUN) $(FUZZ)/corpus/profile
 	$(FUZZ)/bin/fuzz_menu_with_profile $(FUZZ_RUN) $(FUZZ)/corpus/menu-profile
