@@ -407,14 +407,14 @@ BENCHMARK(BM_ExportFileWork)->Arg(75)->Arg(150)->Arg(300)->Unit(benchmark::kMill
 // take turns under the same load of the machine).
 class RatioReporter : public benchmark::ConsoleReporter {
  public:
-  std::map<std::string, double> seconds;  // in each benchmark's unit
+  std::map<std::string, double> median;  // the time of a run, in its benchmark's unit
   void ReportRuns(const std::vector<Run>& runs) override {
     ConsoleReporter::ReportRuns(runs);
     for (const auto& run : runs) {
       if (run.run_type != Run::RT_Iteration) continue;
       const std::string name = run.run_name.str();
       times_[name].push_back(run.GetAdjustedRealTime());
-      seconds[name] = Median(times_[name]);
+      median[name] = Median(times_[name]);
     }
   }
 
@@ -434,8 +434,8 @@ int main(int argc, char** argv) {
   RatioReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
   auto ratio = [&](const char* name, const char* baseline, double target) {
-    if (!reporter.seconds.count(name) || !reporter.seconds.count(baseline)) return;
-    const double r = reporter.seconds[name] / reporter.seconds[baseline];
+    if (!reporter.median.count(name) || !reporter.median.count(baseline)) return;
+    const double r = reporter.median[name] / reporter.median[baseline];
     if (target <= 0) {
       std::printf("%-24s %6.2fx %-24s\n", name, r, baseline);
       return;
@@ -455,18 +455,17 @@ int main(int argc, char** argv) {
   // Eight times the items within ten times the time.
   for (const char* name : {"BM_ReadKeyboardMenu", "BM_ReadBrailleMenu", "BM_SaveKeyboardMenu", "BM_SaveBrailleMenu"})
     ratio((std::string(name) + "/8000").c_str(), (std::string(name) + "/1000").c_str(), 10.0);
-  if (reporter.seconds.count("BM_FormatKeycodeEx")) {
-    const double rate = 1e9 / reporter.seconds["BM_FormatKeycodeEx"];  // a million codes in so many ms
+  if (reporter.median.count("BM_FormatKeycodeEx")) {
+    const double rate = 1e9 / reporter.median["BM_FormatKeycodeEx"];  // a million codes in so many ms
     std::printf("BM_FormatKeycodeEx   %.2f million key texts a second (target at least 2: %s)\n", rate / 1e6,
                 rate >= 2e6 ? "met" : "MISSED");
   }
   std::printf("\nThe export per menu item, and against the file work of the same run:\n");
   for (int apps : {75, 150, 300}) {
     const std::string name = "BM_Export/" + std::to_string(apps), base = "BM_ExportFileWork/" + std::to_string(apps);
-    if (!reporter.seconds.count(name) || !reporter.seconds.count(base)) continue;
+    if (!reporter.median.count(name) || !reporter.median.count(base)) continue;
     std::printf("%3d applications, %6d items: %6.2f us an item, %5.2fx the file work\n", apps, apps * kItemsPerMenu,
-                reporter.seconds[name] * 1000.0 / (apps * kItemsPerMenu),
-                reporter.seconds[name] / reporter.seconds[base]);
+                reporter.median[name] * 1000.0 / (apps * kItemsPerMenu), reporter.median[name] / reporter.median[base]);
   }
   for (int apps : {75, 150, 300})
     fs::remove_all(fs::temp_directory_path() / ("nx-export-bench-" + std::to_string(apps)));
