@@ -11,6 +11,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+
+#include "platform/keys.h"
 
 namespace nx::hotkey {
 
@@ -40,5 +43,26 @@ constexpr int32_t StatusButton(int32_t cell, uint32_t family) {
 
 // The code with its braille bit cleared: what the display profile stores.
 constexpr uint32_t WithoutBraille(int32_t code) { return static_cast<uint32_t>(code) & ~kBrailleBit; }
+
+// The code of a key pressed in a hot-key capture field (`shift` as
+// vk::kShiftHeld and the like, `narrixHeld` when Insert or Scroll Lock is
+// held down), or nothing for the keys the field lets pass: Shift, Control
+// and Alt alone, the screen reader's modifiers alone, which count only with
+// a key, and Tab and Shift+Tab, so that the focus is never trapped.
+inline std::optional<int32_t> CapturedKey(int key, int shift, bool narrixHeld) {
+  if (key == vk::kShift || key == vk::kControl || key == vk::kAlt) return std::nullopt;
+  if (key == vk::kInsert || key == vk::kScrollLock) return std::nullopt;
+  if (key == vk::kTab && (shift == 0 || shift == vk::kShiftHeld)) return std::nullopt;
+  return Chord(key, narrixHeld ? shift | kNarrixKey : shift);
+}
+
+// Whether a key's release must stop in the capture field. The window's
+// default handling starts menu mode when Alt (or F10) is released with no
+// key seen since it went down, and the captured keys never reach it; menu
+// mode would then eat the next keys meant as hot keys. So the release of
+// Alt or F10, and of any key while Alt is held, stops there.
+constexpr bool SwallowedRelease(int key, int shift) {
+  return key == vk::kAlt || key == vk::kF10 || (shift & vk::kAltHeld) != 0;
+}
 
 }  // namespace nx::hotkey

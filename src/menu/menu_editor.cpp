@@ -19,6 +19,30 @@ constexpr int kCopy = 610, kCut = 611, kEdit = 612, kDelete = 613, kPaste = 614,
 constexpr int kItemMenu = 617, kSaveQuestion = 635, kOk = 100, kCancel = 101, kGeneral = 2051, kApplication = 2052;
 constexpr int kPreview = 640, kDamaged = 641, kNotSaved = 642, kMoveUp = 643, kMoveDown = 644;
 constexpr int kTooDeepFile = 662, kBackupFailed = 666, kReasonUnknown = 667;
+constexpr int kUndoStep = 680, kRedoStep = 681, kUndoNone = 682, kRedoNone = 683, kNothingToUndo = 691;
+constexpr int kNothingToRedo = 692, kFindName = 693, kFindNext = 694, kFindPrevious = 695, kFindKey = 696;
+constexpr int kFindTitle = 697, kFindLabel = 698, kNoName = 699, kNoKey = 732, kNoItems = 734;
+
+// The words for each kind of step in the captions of Undo and Redo.
+int StepText(StepKind kind) {
+  switch (kind) {
+    case StepKind::New:
+      return 684;
+    case StepKind::Edit:
+      return 685;
+    case StepKind::Paste:
+      return 686;
+    case StepKind::Delete:
+      return 687;
+    case StepKind::DeleteMenu:
+      return 688;
+    case StepKind::MoveUp:
+      return 689;
+    case StepKind::MoveDown:
+      return 690;
+  }
+  return 686;
+}
 
 // Message 642: the file and why it could not be written, each put in once,
 // whatever they contain themselves.
@@ -46,7 +70,11 @@ std::optional<int32_t> MenuIdOfKey(const std::wstring& key) {
 }
 
 fMenuDef::fMenuDef(IMenuEditorView& view, IPrompts& prompts, MenuEditorServices services)
-    : view_(view), prompts_(prompts), services_(std::move(services)), session_(services_.session) {}
+    : view_(view),
+      prompts_(prompts),
+      services_(std::move(services)),
+      session_(services_.session),
+      clipboard_(services_.clipboard ? *services_.clipboard : ownClipboard_) {}
 
 void fMenuDef::Form_Load() {
   view_.SetText(EditorText::TreeLabel, LoadResText(kTreeLabel));
@@ -67,6 +95,10 @@ void fMenuDef::Form_Load() {
   view_.SetCommandText(EditorCommand::MoveUp, LoadResText(kMoveUp));
   view_.SetCommandText(EditorCommand::MoveDown, LoadResText(kMoveDown));
   view_.SetCommandText(EditorCommand::Preview, LoadResText(kPreview));
+  view_.SetCommandText(EditorCommand::FindName, LoadResText(kFindName));
+  view_.SetCommandText(EditorCommand::FindNext, LoadResText(kFindNext));
+  view_.SetCommandText(EditorCommand::FindPrevious, LoadResText(kFindPrevious));
+  view_.SetCommandText(EditorCommand::FindKey, LoadResText(kFindKey));
   // The paste captions keep their "%1" templates for every later opening.
   pasteNextTemplate_ = LoadResText(kPasteNext);
   pasteChildTemplate_ = LoadResText(kPasteChild);
@@ -117,6 +149,7 @@ void fMenuDef::LoadDefs(const std::wstring& menuDir, const std::wstring& appName
   tooDeep_ = root_ && MenuLevels(*root_) > kMaxMenuLevels;
   if (tooDeep_) root_.reset();
   damaged_ = !complete && !tooDeep_;
+  history_.Clear();
   backedUp_ = false;
   CaptionRoot();
   if (!session_.gBrailleName.empty()) services_.defs.DefActions().InitBrailleKeyMap(BraillePath());
@@ -235,6 +268,7 @@ bool fMenuDef::Save() {
   if (!root_) {
     std::error_code ignored;
     std::filesystem::remove(ToFsPath(path), ignored);
+    history_.MarkSaved();
     return true;
   }
   WriteFailure failed;
@@ -242,6 +276,7 @@ bool fMenuDef::Save() {
     Tell(NotSavedText(failed.file, failed.reason));
     return false;
   }
+  history_.MarkSaved();
   return true;
 }
 
@@ -295,10 +330,13 @@ bool fMenuDef::trvMenu_KeyDown(int key, int shift) {
     int key, shift;
     EditorCommand command;
   } keys[] = {
-      {vk::kReturn, vk::kAltHeld, EditorCommand::Edit}, {vk::kDown, vk::kShiftHeld, EditorCommand::MoveDown},
-      {vk::kUp, vk::kShiftHeld, EditorCommand::MoveUp}, {vk::kDelete, 0, EditorCommand::Delete},
-      {'C', vk::kControlHeld, EditorCommand::Copy},     {'X', vk::kControlHeld, EditorCommand::Cut},
-      {'V', vk::kControlHeld, EditorCommand::Paste},    {'N', vk::kControlHeld, EditorCommand::New},
+      {vk::kReturn, vk::kAltHeld, EditorCommand::Edit},       {vk::kDown, vk::kShiftHeld, EditorCommand::MoveDown},
+      {vk::kUp, vk::kShiftHeld, EditorCommand::MoveUp},       {vk::kDelete, 0, EditorCommand::Delete},
+      {'C', vk::kControlHeld, EditorCommand::Copy},           {'X', vk::kControlHeld, EditorCommand::Cut},
+      {'V', vk::kControlHeld, EditorCommand::Paste},          {'N', vk::kControlHeld, EditorCommand::New},
+      {'Z', vk::kControlHeld, EditorCommand::Undo},           {'Y', vk::kControlHeld, EditorCommand::Redo},
+      {'F', vk::kControlHeld, EditorCommand::FindName},       {vk::kF3, 0, EditorCommand::FindNext},
+      {vk::kF3, vk::kShiftHeld, EditorCommand::FindPrevious}, {'K', vk::kControlHeld, EditorCommand::FindKey},
   };
   for (const auto& k : keys) {
     if (k.key == key && k.shift == shift) {
@@ -319,7 +357,7 @@ void fMenuDef::PrepareItemMenu() {
   const auto key = view_.SelectedNode();
   const cMenuItem* item = SelectedItem();
   const bool inner = key && item && !SelectedIsTop();
-  const bool held = clipboard_ != nullptr;
+  const bool held = clipboard_.item != nullptr;
   const cMenuItems* siblings = inner && item->Parent ? &item->Parent->SubItems : nullptr;
   view_.EnableCommand(EditorCommand::New, services_.wizard != nullptr);
   view_.EnableCommand(EditorCommand::Edit, inner && services_.wizard != nullptr);
@@ -333,6 +371,104 @@ void fMenuDef::PrepareItemMenu() {
   const std::wstring target = key ? view_.NodeText(*key) : std::wstring();
   view_.SetCommandText(EditorCommand::PasteAsChild, ReplaceAll(pasteChildTemplate_, L"%1", target));
   view_.SetCommandText(EditorCommand::PasteAsNext, ReplaceAll(pasteNextTemplate_, L"%1", target));
+  view_.SetCommandText(EditorCommand::Undo, UndoText(false));
+  view_.SetCommandText(EditorCommand::Redo, UndoText(true));
+  view_.EnableCommand(EditorCommand::Undo, history_.CanUndo());
+  view_.EnableCommand(EditorCommand::Redo, history_.CanRedo());
+}
+
+std::wstring fMenuDef::UndoText(bool redo) const {
+  if (!(redo ? history_.CanRedo() : history_.CanUndo())) return LoadResText(redo ? kRedoNone : kUndoNone);
+  const StepKind kind = redo ? history_.RedoKind() : history_.UndoKind();
+  const std::wstring what = LoadResText(StepText(kind), redo ? history_.RedoCaption() : history_.UndoCaption());
+  return ReplaceAll(LoadResText(redo ? kRedoStep : kUndoStep), L"%1", what);
+}
+
+void fMenuDef::Changed(const cMenuItem* item) {
+  history_.Commit();
+  Refresh(item);
+  if (!item) view_.SetFields(L"", L"", L"");
+  SetDirty(!history_.AtSaved());
+}
+
+void fMenuDef::Undo(bool redo) {
+  if (!(redo ? history_.CanRedo() : history_.CanUndo())) {
+    Tell(LoadResText(redo ? kNothingToRedo : kNothingToUndo));
+    return;
+  }
+  const cMenuItem* item = redo ? history_.Redo() : history_.Undo();
+  Refresh(item);
+  if (!item) view_.SetFields(L"", L"", L"");
+  SetDirty(!history_.AtSaved());
+}
+
+void fMenuDef::Show(const cMenuItem& item) {
+  const std::wstring key = NodeKey(item.MenuId);
+  view_.SelectNode(key);
+  trvMenu_NodeClick(key);
+}
+
+cMenuItem* fMenuDef::Search(const std::function<bool(const cMenuItem&)>& match, bool forward) const {
+  if (!root_) return nullptr;
+  std::vector<cMenuItem*> order;
+  WalkTree(
+      *root_,
+      [&order](cMenuItem& item, size_t, int) {
+        order.push_back(&item);
+        return true;
+      },
+      [](cMenuItem&, size_t) {});
+  const size_t count = order.size();
+  // Without a selected item (or on the top node) the search starts at the
+  // first item going forward and at the last going back.
+  const cMenuItem* selected = SelectedItem();
+  size_t start = forward ? count - 1 : 0;
+  for (size_t i = 0; i < count; ++i) {
+    if (order[i] == selected) start = i;
+  }
+  for (size_t step = 1; step <= count; ++step) {
+    cMenuItem* item = order[forward ? (start + step) % count : (start + count - step) % count];
+    if (match(*item)) return item;
+  }
+  return nullptr;
+}
+
+void fMenuDef::mnuFindName_Click() {
+  if (!root_ || root_->SubItems.Count() == 0) {
+    Tell(LoadResText(kNoItems));
+    return;
+  }
+  const std::wstring text = prompts_.InputBox(LoadResText(kFindLabel), LoadResText(kFindTitle), findText_);
+  if (text.empty()) return;  // cancelled
+  findText_ = text;
+  FindNext(true);
+}
+
+void fMenuDef::FindNext(bool forward) {
+  if (findText_.empty()) {
+    mnuFindName_Click();
+    return;
+  }
+  const std::wstring wanted = UpperCase(findText_);
+  const cMenuItem* found = Search(
+      [&wanted](const cMenuItem& item) { return UpperCase(item.Caption).find(wanted) != std::wstring::npos; }, forward);
+  if (found)
+    Show(*found);
+  else
+    Tell(LoadResText(kNoName, findText_));
+}
+
+std::wstring fMenuDef::FindByKey(int32_t code) {
+  const cMenuItem* found = Search([code](const cMenuItem& item) { return item.HotKey == code; }, true);
+  if (found) {
+    Show(*found);
+    return {};
+  }
+  return LoadResText(kNoKey, HotKeyText(code));
+}
+
+IBrailleDisplay* fMenuDef::Braille() const {
+  return services_.braille && services_.braille->isValid() ? services_.braille.get() : nullptr;
 }
 
 void fMenuDef::Run(EditorCommand command) {
@@ -369,6 +505,23 @@ void fMenuDef::Run(EditorCommand command) {
       break;
     case EditorCommand::Preview:
       mnuPreview_Click();
+      break;
+    case EditorCommand::Undo:
+    case EditorCommand::Redo:
+      Undo(command == EditorCommand::Redo);
+      break;
+    case EditorCommand::FindName:
+      mnuFindName_Click();
+      break;
+    case EditorCommand::FindNext:
+    case EditorCommand::FindPrevious:
+      FindNext(command == EditorCommand::FindNext);
+      break;
+    case EditorCommand::FindKey:
+      if (root_ && root_->SubItems.Count() > 0)
+        view_.OpenFindKey();
+      else
+        Tell(LoadResText(kNoItems));
       break;
   }
 }

@@ -12,6 +12,7 @@
 
 #include "braille/braille_display.h"
 #include "defs/def_actions.h"
+#include "menu/edit/undo_history.h"
 #include "menu/menu_file.h"
 #include "menu/menu_item.h"
 #include "platform/native_menus.h"
@@ -42,6 +43,12 @@ enum class EditorCommand {
   MoveUp,
   MoveDown,
   Preview,
+  Undo,
+  Redo,
+  FindName,
+  FindNext,
+  FindPrevious,
+  FindKey,
 };
 
 class IMenuEditorView {
@@ -72,6 +79,9 @@ class IMenuEditorView {
   virtual void FocusNameField() = 0;
   // Opens the item menu at the selected node's text.
   virtual void OpenItemMenu() = 0;
+  // Runs the find-by-hot-key dialog over the editor until it is closed; it
+  // calls FindByKey for every chord.
+  virtual void OpenFindKey() = 0;
   // Shows the preview pop-up and returns the command chosen (0: none).
   virtual int TrackPreview(NativeMenu menu) = 0;
   virtual void Close() = 0;
@@ -89,6 +99,14 @@ class IItemWizard {
                                              const cMenuItem* original) = 0;
 };
 
+// The item copied or cut last. It outlives the editors of one run, so that
+// an item can be pasted into a menu opened later; a cut item moves only
+// within the menu that holds it, and goes into any other menu as a copy.
+struct EditorClipboard {
+  MenuItemPtr item;
+  bool cut = false;
+};
+
 // What the editor works with; everything must outlive the editor.
 struct MenuEditorServices {
   EditSession& session;
@@ -100,7 +118,8 @@ struct MenuEditorServices {
   // LoadDefs and kept; no opener: no display.
   std::unique_ptr<IBrailleDisplay>& braille;
   IBrailleOpener* brailleOpener;
-  IItemWizard* wizard = nullptr;  // null: New and Edit are not available
+  IItemWizard* wizard = nullptr;         // null: New and Edit are not available
+  EditorClipboard* clipboard = nullptr;  // null: the editor keeps its own
 };
 
 class fMenuDef {
@@ -155,6 +174,22 @@ class fMenuDef {
   void mnuTreePasteAsChild_Click();
   void mnuTreeDelete_Click();
   void MoveSelected(bool down);
+  // Takes the last change back (makes the last undone change again); says
+  // so when there is none.
+  void Undo(bool redo);
+  // Asks for a part of a name and selects the next item whose caption holds
+  // it, whatever its case.
+  void mnuFindName_Click();
+  // The next (previous) item whose caption holds the text last asked for,
+  // in the tree's order from the selected item and round; with no text yet
+  // asked for, asks first.
+  void FindNext(bool forward);
+  // The next item with the hot key `code` after the selected one is selected
+  // and shown: "" then, else the text that tells the user none has it.
+  std::wstring FindByKey(int32_t code);
+  std::wstring KeyText(int32_t code) const { return HotKeyText(code); }
+  // The program's braille display, when one is open (null: none).
+  IBrailleDisplay* Braille() const;
 
   bool Dirty() const { return dirty_; }
   const MenuItemPtr& Root() const { return root_; }
@@ -185,8 +220,9 @@ class fMenuDef {
   struct Placing {
     MenuItemPtr item;
     bool move = false;
+    StepKind kind = StepKind::Paste;
   };
-  Placing Held() const { return {clipboard_, cut_}; }
+  Placing Held() const;
   // The paste of `placing` at the selection: as a child of the top node, or
   // after asking whether as a child of the selected item.
   void Paste(const Placing& placing);
@@ -196,6 +232,16 @@ class fMenuDef {
   bool TooDeep(const cMenuItem& item, const cMenuItem* target, bool asChild) const;
   void PasteAt(const Placing& placing, cMenuItem* target, bool asChild);
   void Tell(const std::wstring& text);
+  // Ends the change begun in history_: the tree is renumbered and shown
+  // again with `item` selected.
+  void Changed(const cMenuItem* item);
+  // The caption of Undo (Redo) in the item menu, naming the step it takes.
+  std::wstring UndoText(bool redo) const;
+  // The first item after (before) the selected one, in the tree's order and
+  // round, for which `match` holds; the selected item comes last.
+  cMenuItem* Search(const std::function<bool(const cMenuItem&)>& match, bool forward) const;
+  // Selects `item` and shows its fields.
+  void Show(const cMenuItem& item);
   void CaptionRoot();
 
   IMenuEditorView& view_;
@@ -210,8 +256,10 @@ class fMenuDef {
   bool damageToReport_ = false;
   bool tooDeep_ = false;  // the file is deeper than the editor edits: nothing shown, nothing written
   bool pendingNewDone_ = false;
-  MenuItemPtr clipboard_;
-  bool cut_ = false;
+  EditorClipboard ownClipboard_;
+  EditorClipboard& clipboard_;
+  UndoHistory history_{root_};
+  std::wstring findText_;
   std::wstring pasteNextTemplate_, pasteChildTemplate_;
 };
 

@@ -1,5 +1,6 @@
 #include "menu/menu_editor_window.h"
 
+#include "menu/find_key_window.h"
 #include "platform/win32/kit.h"
 #include "resource.h"
 
@@ -30,6 +31,18 @@ int CommandId(EditorCommand command) {
       return IDM_MOVE_DOWN;
     case EditorCommand::Preview:
       return IDM_PREVIEW;
+    case EditorCommand::Undo:
+      return IDM_UNDO;
+    case EditorCommand::Redo:
+      return IDM_REDO;
+    case EditorCommand::FindName:
+      return IDM_FIND_NAME;
+    case EditorCommand::FindNext:
+      return IDM_FIND_NEXT;
+    case EditorCommand::FindPrevious:
+      return IDM_FIND_PREVIOUS;
+    case EditorCommand::FindKey:
+      return IDM_FIND_KEY;
   }
   return 0;
 }
@@ -119,7 +132,8 @@ void MenuEditorWindow::OnCommand(int id) {
   for (EditorCommand command :
        {EditorCommand::New, EditorCommand::Edit, EditorCommand::Copy, EditorCommand::Cut, EditorCommand::Paste,
         EditorCommand::PasteAsNext, EditorCommand::PasteAsChild, EditorCommand::Delete, EditorCommand::MoveUp,
-        EditorCommand::MoveDown, EditorCommand::Preview}) {
+        EditorCommand::MoveDown, EditorCommand::Preview, EditorCommand::Undo, EditorCommand::Redo,
+        EditorCommand::FindName, EditorCommand::FindNext, EditorCommand::FindPrevious, EditorCommand::FindKey}) {
     if (CommandId(command) == id) logic_.Run(command);
   }
 }
@@ -285,6 +299,11 @@ void MenuEditorWindow::OpenItemMenu() {
   ClientToScreen(Tree(), &at);
   TrackPopupMenuEx(GetSubMenu(GetMenu(hwnd_), 0), TPM_LEFTALIGN | TPM_TOPALIGN | TPM_RIGHTBUTTON, at.x, at.y, hwnd_,
                    nullptr);
+}
+
+void MenuEditorWindow::OpenFindKey() {
+  FindKeyWindow window(instance_, logic_, logic_.Braille());
+  if (window.Create(hwnd_)) window.RunModal();
 }
 
 int MenuEditorWindow::TrackPreview(NativeMenu menu) {

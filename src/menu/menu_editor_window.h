@@ -43,6 +43,7 @@ class MenuEditorWindow final : public ModalDialog, public IMenuEditorView {
   void SetFields(const std::wstring& name, const std::wstring& command, const std::wstring& hotKey) override;
   void FocusNameField() override;
   void OpenItemMenu() override;
+  void OpenFindKey() override;
   int TrackPreview(NativeMenu menu) override;
   void Close() override;
 

@@ -365,28 +365,18 @@ void fWizard::ShowUsedBy() {
 }
 
 bool fWizard::hk_KeyDown(int key, int shift) {
-  if (!item_ || key == vk::kShift || key == vk::kControl || key == vk::kAlt) return false;
-  // The screen reader's modifiers count only with a key.
-  if (key == vk::kInsert || key == vk::kScrollLock) return false;
-  // Tab and Shift+Tab leave the field, so that the focus is never trapped.
-  if (key == vk::kTab && (shift == 0 || shift == vk::kShiftHeld)) return false;
+  if (!item_) return false;
+  const auto code = hotkey::CapturedKey(key, shift, view_.IsKeyDown(vk::kInsert) || view_.IsKeyDown(vk::kScrollLock));
+  if (!code) return false;
   view_.SetChecked(WizardControl::Braille, false);
   view_.EnableControl(WizardControl::Discard, true);
-  if (view_.IsKeyDown(vk::kInsert) || view_.IsKeyDown(vk::kScrollLock)) shift |= hotkey::kNarrixKey;
-  const int32_t code = hotkey::Chord(key, shift);
-  ShowCode(code, false);
-  item_->HotKey = code;
+  ShowCode(*code, false);
+  item_->HotKey = *code;
   ShowUsedBy();
   return true;
 }
 
-// The window's default handling starts menu mode when Alt (or F10) is
-// released with no key seen since it went down, and the captured keys never
-// reach it; menu mode would then eat the next keys meant as hot keys. So the
-// release of Alt or F10, and of any key while Alt is held, stops here.
-bool fWizard::hk_KeyUp(int key, int shift) {
-  return item_ && (key == vk::kAlt || key == vk::kF10 || (shift & vk::kAltHeld) != 0);
-}
+bool fWizard::hk_KeyUp(int key, int shift) { return item_ && hotkey::SwallowedRelease(key, shift); }
 
 void fWizard::chkDiscard_Click(bool checked) {
   if (item_) item_->Discard = checked;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <utility>
 #include <vector>
 
 #include "menu/menu_editor.h"
@@ -34,10 +35,12 @@ class FakeWindow : public IMenuEditorView, public IPrompts, public INativeMenus,
   std::string answers;              // to the questions to come: y Yes, n No, c Cancel, o OK
   std::vector<std::wstring> asked;  // each up to its first line break, " [No]" where No is the default button
   std::wstring last;                // the last message whole
+  std::wstring input;               // typed into the next input box ("": cancelled)
+  std::map<EditorCommand, std::wstring> captions;
 
   void SetTitle(const std::wstring&) override {}
   void SetText(EditorText, const std::wstring&) override {}
-  void SetCommandText(EditorCommand, const std::wstring&) override {}
+  void SetCommandText(EditorCommand c, const std::wstring& text) override { captions[c] = text; }
   void EnableCommand(EditorCommand c, bool on) override { enabled[c] = on; }
   void EnableApply(bool on) override { applyEnabled = on; }
   void BeginTreeUpdate() override {}
@@ -62,6 +65,7 @@ class FakeWindow : public IMenuEditorView, public IPrompts, public INativeMenus,
       if (enabled[static_cast<EditorCommand>(i)]) menu += (menu.empty() ? L" {" : L" ") + std::wstring(names[i]);
     menu += menu.empty() ? L" {}" : L"}";
   }
+  void OpenFindKey() override { asked.push_back(L"find key"); }
   int TrackPreview(NativeMenu) override { return previewAnswer; }
   void Close() override { closed = true; }
 
@@ -72,6 +76,11 @@ class FakeWindow : public IMenuEditorView, public IPrompts, public INativeMenus,
     const char answer = answers.empty() ? 'c' : answers[0];
     answers.erase(0, 1);
     return answer == 'y' ? mb::kIdYes : answer == 'n' ? mb::kIdNo : answer == 'o' ? mb::kIdOk : mb::kIdCancel;
+  }
+
+  std::wstring InputBox(const std::wstring& label, const std::wstring&, const std::wstring& value) override {
+    asked.push_back(label + L" " + value);
+    return std::exchange(input, L"");
   }
 
   NativeMenu CreatePopup() override { return 1; }
@@ -117,10 +126,11 @@ class MenuEditorTest : public ::testing::Test {
                           Record(0, 0x00020051, "Quit"));
     Restart(&ui_);
   }
-  // A new editor, without a clipboard, on the menu.
+  // A new editor, with nothing held, on the menu.
   void Restart(IItemWizard* wizard) {
+    clipboard_ = {};
     editor_ = std::make_unique<fMenuDef>(
-        ui_, ui_, MenuEditorServices{session_, info_, defs_, profile_, ui_, braille_, nullptr, wizard});
+        ui_, ui_, MenuEditorServices{session_, info_, defs_, profile_, ui_, braille_, nullptr, wizard, &clipboard_});
     editor_->Form_Load();
     Open();
   }
@@ -173,6 +183,7 @@ class MenuEditorTest : public ::testing::Test {
   cDefServer defs_{page_, profile_, L""};
   std::unique_ptr<IBrailleDisplay> braille_;
   FakeWindow ui_;
+  EditorClipboard clipboard_;
   std::unique_ptr<fMenuDef> editor_;
 };
 
@@ -280,6 +291,119 @@ TEST_F(MenuEditorTest, PlacingAsksWhereAndAboutPullDowns) {
     for (const cMenuItem* item : {Find(*editor_->Root(), L"Open"), Find(*editor_->Root(), L"Quit")})
       EXPECT_EQ(item->Action.empty() && !item->HotKey, item->SubItems.Count() > 0) << WideToUtf8(item->Caption);
   }
+}
+
+// Every change is taken back by Ctrl+Z and made again by Ctrl+Y, whole:
+// captions, commands, hot keys, Discard and order as in the file. After an
+// undo the item is selected, or where it was when it is gone; back at the
+// file's state the menu counts as unchanged.
+TEST_F(MenuEditorTest, UndoAndRedoEveryChange) {
+  const auto bytes = [this] { return editor_->Root() ? *SerializeMenu(*editor_->Root(), page_, nullptr) : ""; };
+  const struct {
+    const wchar_t* held;  // copied first, or cut when `cut`
+    bool cut;
+    const wchar_t* at;
+    C command;
+    const char* answers;
+    const wchar_t *undo, *selected;  // Undo's caption, the item selected after it
+  } cases[] = {
+      {nullptr, false, L"Edit", C::Delete, "y", L"Undo delete \"Edit\"", L"Edit"},
+      {L"Quit", true, L"Open", C::Paste, "yy", L"Undo paste \"Quit\"", L"Quit"},
+      {L"File", false, L"Quit", C::PasteAsNext, "", L"Undo paste \"File\"", kTop},
+      {nullptr, false, L"Quit", C::MoveUp, "", L"Undo move up \"Quit\"", L"Quit"},
+      {nullptr, false, L"Open", C::Edit, "o", L"Undo edit \"Typed\"", L"Open"},
+      {nullptr, false, L"Copy", C::New, "oyy", L"Undo new item \"Typed\"", L"Copy"},
+      {nullptr, false, kTop, C::Delete, "y", L"Undo delete the whole menu", kTop},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(&c - cases);
+    Restart(&ui_);
+    const std::string before = bytes();
+    Do(c.held, c.cut ? C::Cut : C::Copy);
+    Do(c.at, c.command, c.answers);
+    const std::string after = bytes();
+    Said();
+    editor_->PrepareItemMenu();
+    EXPECT_EQ(ReplaceAll(ui_.captions[C::Undo], L"&", L""), c.undo + std::wstring(L"\tCtrl+Z"));
+    editor_->trvMenu_KeyDown('Z', 2);
+    EXPECT_EQ(bytes(), before);
+    EXPECT_EQ(State(), kStart + L" [" + c.selected + L"]");
+    editor_->trvMenu_KeyDown('Y', 2);
+    EXPECT_EQ(bytes(), after);
+    EXPECT_TRUE(editor_->Dirty());
+  }
+}
+
+// Undo and redo against the last save, a new change dropping what could be
+// redone, and the 100 steps kept.
+TEST_F(MenuEditorTest, UndoFollowsTheSavedMenu) {
+  const struct {
+    C command;
+    std::wstring state;
+  } steps[] = {
+      {C::Undo, kStart + L" [Quit] | There is nothing to undo."},
+      {C::MoveUp, L"File(Open Save) Quit Edit(Copy) [Quit] *"},
+      {C::MoveUp, L"Quit File(Open Save) Edit(Copy) [Quit] *"},
+      {C::Cut, L"Quit File(Open Save) Edit(Copy) [Quit]"},  // saved here (Apply)
+      {C::Undo, L"File(Open Save) Quit Edit(Copy) [Quit] *"},
+      {C::Redo, L"Quit File(Open Save) Edit(Copy) [Quit]"},
+      {C::Redo, L"Quit File(Open Save) Edit(Copy) [Quit] | There is nothing to redo."},
+      {C::Undo, L"File(Open Save) Quit Edit(Copy) [Quit] *"},
+      {C::MoveDown, L"File(Open Save) Edit(Copy) Quit [Quit] *"},
+      {C::Redo, L"File(Open Save) Edit(Copy) Quit [Quit] * | There is nothing to redo."},
+  };
+  for (const auto& s : steps) {
+    SCOPED_TRACE(&s - steps);
+    Do(L"Quit", s.command, "o");
+    if (s.command == C::Cut) editor_->cmdApply_Click();
+    EXPECT_EQ(State(), s.state);
+  }
+  for (int i = 0; i < 101; ++i) Do(L"Quit", i % 2 ? C::MoveDown : C::MoveUp);
+  for (int i = 0; i < 101; ++i) Do(L"Quit", C::Undo, "o");
+  EXPECT_EQ(State(), L"File(Open Save) Quit Edit(Copy) [Quit] * | There is nothing to undo.");
+}
+
+// Find by name from the selected item on and round, whatever the case; find
+// by hot key; an item cut in one menu goes into the next menu as a copy.
+TEST_F(MenuEditorTest, FindAndPasteIntoAnotherMenu) {
+  const std::wstring none = L" | No item's name contains \"zz\".", label = L" | &Name contains: ";
+  const struct {
+    const wchar_t* at;
+    C command;
+    const wchar_t* typed;
+    std::wstring state;
+  } steps[] = {
+      {nullptr, C::FindNext, L"o", L" [Open]" + label},
+      {L"Open", C::FindNext, L"", L" [Copy]"},
+      {L"Copy", C::FindPrevious, L"", L" [Open]"},
+      {L"Open", C::FindName, L"SAVE", L" [Save]" + label + L"o"},
+      {L"Save", C::FindName, L"zz", L" [Save]" + label + L"SAVE" + none},
+      {L"Save", C::FindName, L"", L" [Save]" + label + L"zz"},
+      {L"Save", C::FindKey, L"", L" [Save] | find key"},
+  };
+  for (const auto& s : steps) {
+    SCOPED_TRACE(&s - steps);
+    ui_.input = s.typed;
+    Do(s.at, s.command, "o");
+    EXPECT_EQ(State(), kStart + s.state);
+  }
+  EXPECT_EQ(editor_->FindByKey(0x00020051), L"");
+  EXPECT_EQ(editor_->FindByKey(0x00020051), L"");  // the only one
+  EXPECT_EQ(State(), kStart + L" [Quit]");
+  EXPECT_EQ(editor_->FindByKey(0x00020052), L"No item of this menu has the hot key C+key(82).");
+
+  Do(L"Edit", C::Cut);
+  std::filesystem::create_directories(dir_.Fs() / "Set" / "winword");
+  dir_.Write(L"Set\\winword\\Command.mnu", Record(0, 0, "Bold"));
+  editor_ = std::make_unique<fMenuDef>(
+      ui_, ui_, MenuEditorServices{session_, info_, defs_, profile_, ui_, braille_, nullptr, &ui_, &clipboard_});
+  editor_->LoadDefs(dir_.Path(L"Set"), L"winword", false);
+  Do(L"Bold", C::PasteAsNext);
+  editor_->cmdOK_Click();
+  Open();
+  EXPECT_EQ(State(), kStart + L" [Application (notepad)]");
+  editor_->LoadDefs(dir_.Path(L"Set"), L"winword", false);
+  EXPECT_EQ(ui_.Shape(), L"Application (winword)(Bold Edit(Copy))");
 }
 
 // Closing a changed menu asks "Save changes?": Cancel keeps the window, No

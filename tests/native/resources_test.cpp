@@ -51,6 +51,7 @@ wchar_t AccessKey(const std::wstring& caption) {
 const std::map<std::string, std::vector<int>> kCaptionIds = {
     {"IDD_APPSELECT", {502, 503, 101, 657, 658, 659, 660}},
     {"IDD_INPUTBOX", {650, 100, 101}},
+    {"IDD_FINDKEY", {731, 101}},
     // The menu bar's entries count too: Alt and their letter open them.
     {"IDD_MENUDEF", {602, 603, 604, 605, 100, 101, 608, 617, 640}},
 };
@@ -93,6 +94,7 @@ TEST(Resources, AccessKeysAreUniqueInEveryLanguage) {
       {715, 700, 701, 101},
       {717, 719, 718, 646, 724, 700, 701, 101},
       {723, 645, 722, 647, 648, 725, 700, 702, 101},
+      {606, 612, 610, 611, 614, 615, 616, 613, 643, 644, 680, 681, 693, 694, 695, 696},  // the item menu
   };
   const auto dialogs = ReadDialogs();
   for (UiLanguage language : {UiLanguage::English, UiLanguage::Czech}) {

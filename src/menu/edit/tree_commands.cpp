@@ -54,15 +54,20 @@ int MenuLevels(const cMenuItem& item) {
 void fMenuDef::mnuTreeCopy_Click() {
   cMenuItem* item = SelectedItem();
   if (!item || SelectedIsTop()) return;
-  clipboard_ = item->shared_from_this();
-  cut_ = false;
+  clipboard_ = {item->shared_from_this(), false};
 }
 
 void fMenuDef::mnuTreeCut_Click() {
   cMenuItem* item = SelectedItem();
   if (!item || SelectedIsTop()) return;
-  clipboard_ = item->shared_from_this();
-  cut_ = true;
+  clipboard_ = {item->shared_from_this(), true};
+}
+
+// A cut item of a menu closed since (or taken out of this one) is pasted as
+// a copy: the menu it came from keeps it as it was saved.
+fMenuDef::Placing fMenuDef::Held() const {
+  const MenuItemPtr& item = clipboard_.item;
+  return {item, clipboard_.cut && item && root_ && item != root_ && root_->Contains(item.get())};
 }
 
 cMenuItem* fMenuDef::PasteTarget() const {
@@ -112,36 +117,43 @@ void fMenuDef::Paste(const Placing& placing) {
 
 void fMenuDef::mnuTreePasteAsNext_Click() {
   cMenuItem* target = PasteTarget();
-  if (!target || !clipboard_ || target == root_.get()) return;
+  if (!target || !clipboard_.item || target == root_.get()) return;
   PasteAt(Held(), target, false);
 }
 
 void fMenuDef::mnuTreePasteAsChild_Click() {
   cMenuItem* target = PasteTarget();
-  if (!target || !clipboard_) return;
+  if (!target || !clipboard_.item) return;
   PasteAt(Held(), target, true);
 }
 
 void fMenuDef::PasteAt(const Placing& placing, cMenuItem* target, bool asChild) {
   if (PasteRefused(placing, target, asChild)) return;
-  if (asChild && (!target->Action.empty() || target->HotKey != 0)) {
-    if (prompts_.Message(LoadResText(kPullDownQuestion, target->Caption), kYesNoDefaultNo,
-                         LoadResText(kProductTitle)) != mb::kIdYes)
-      return;
-    target->Action.clear();
-    target->HotKey = 0;
-  }
+  const bool pullDown = asChild && (!target->Action.empty() || target->HotKey != 0);
+  if (pullDown && prompts_.Message(LoadResText(kPullDownQuestion, target->Caption), kYesNoDefaultNo,
+                                   LoadResText(kProductTitle)) != mb::kIdYes)
+    return;
+  // Every item but the top node has a parent; nothing goes beside the top.
+  if (!asChild && !target->Parent) return;
   MenuItemPtr item = placing.move ? placing.item : DeepCopy(*placing.item);
-  if (placing.move) root_->RemoveItem(item.get());
-  if (asChild) {
-    target->SubItems.AddAsFirst(item);
-    item->Parent = target;
-  } else {
-    root_->InsertAfter(target, item);
-    item->Parent = target->Parent;
+  history_.Begin(placing.kind, *item);
+  if (pullDown) {
+    ItemFields fields = target->Fields();
+    fields.Action.clear();
+    fields.HotKey = 0;
+    history_.SetFields(*target, fields);
   }
-  Refresh(item.get());
-  SetDirty(true);
+  if (placing.move) history_.Remove(*item);
+  cMenuItem* parent = asChild ? target : target->Parent.get();
+  int index = 0;
+  if (!asChild) {
+    for (const auto& sibling : parent->SubItems) {
+      ++index;
+      if (sibling.get() == target) break;
+    }
+  }
+  history_.Insert(*parent, index, item);
+  Changed(item.get());
 }
 
 void fMenuDef::mnuTreeDelete_Click() {
@@ -149,10 +161,9 @@ void fMenuDef::mnuTreeDelete_Click() {
   if (SelectedIsTop()) {
     if (prompts_.Message(LoadResText(kWholeMenuQuestion), kYesNoDefaultNo, LoadResText(kProductTitle)) != mb::kIdYes)
       return;
-    root_.reset();
-    Refresh(nullptr);
-    view_.SetFields(L"", L"", L"");
-    SetDirty(true);
+    history_.Begin(StepKind::DeleteMenu, *root_);
+    history_.SetRoot(nullptr);
+    Changed(nullptr);
     return;
   }
   cMenuItem* item = SelectedItem();
@@ -175,9 +186,9 @@ void fMenuDef::mnuTreeDelete_Click() {
     else if (const auto previous = siblings.item(position - 1))
       neighbour = previous.get();
   }
-  root_->RemoveItem(item);
-  Refresh(neighbour);
-  SetDirty(true);
+  history_.Begin(StepKind::Delete, *item);
+  history_.Remove(*item);
+  Changed(neighbour);
 
   const std::wstring script =
       JoinPath(JoinPath(services_.info.DirSet(), session_.gAppName), removed->Caption + L".vbs");
@@ -196,11 +207,10 @@ void fMenuDef::MoveSelected(bool down) {
   if (down ? siblings.IsLast(item) : siblings.IsFirst(item)) return;
   int position = 1;
   while (siblings.item(position).get() != item) ++position;
-  MenuItemPtr moving = item->shared_from_this();
-  siblings.Remove(position);
-  siblings.AddAfter(moving, down ? position : position - 2);
-  Refresh(item);
-  SetDirty(true);
+  history_.Begin(down ? StepKind::MoveDown : StepKind::MoveUp, *item);
+  history_.Remove(*item);
+  history_.Insert(*item->Parent.get(), down ? position : position - 2, item->shared_from_this());
+  Changed(item);
 }
 
 void fMenuDef::mnuNew_Click() {
@@ -212,13 +222,17 @@ void fMenuDef::mnuNew_Click() {
   if (!described) return;
   MenuItemPtr item = cMenuItem::New();
   item->SetFields(*described);
-  if (!root_) {
-    root_ = cMenuItem::New();
-    CaptionRoot();
-    view_.AddNode(NodeKey(root_->MenuId), L"", root_->Caption, false);
-    view_.SelectNode(NodeKey(root_->MenuId));
+  if (root_) {
+    Paste({item, true, StepKind::New});
+    return;
   }
-  Paste({item, true});
+  // The first item of a menu that has no file yet brings the top node.
+  MenuItemPtr top = cMenuItem::New();
+  history_.Begin(StepKind::New, *item);
+  history_.SetRoot(top);
+  CaptionRoot();
+  history_.Insert(*top, 0, item);
+  Changed(item.get());
 }
 
 void fMenuDef::trvMenu_GotFocus() {
@@ -233,9 +247,9 @@ void fMenuDef::mnuTreeEdit_Click() {
   if (!services_.wizard || !item || SelectedIsTop()) return;
   const std::optional<ItemFields> described = services_.wizard->Describe(item->Fields(), false, root_.get(), item);
   if (!described) return;
-  item->SetFields(*described);
-  Refresh(item);
-  SetDirty(true);
+  history_.Begin(StepKind::Edit, *item);
+  history_.SetFields(*item, *described);
+  Changed(item);
 }
 
 }  // namespace nx
