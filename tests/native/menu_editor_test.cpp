@@ -399,11 +399,12 @@ TEST_F(MenuEditorTest, FindAndPasteIntoAnotherMenu) {
       ui_, ui_, MenuEditorServices{session_, info_, defs_, profile_, ui_, braille_, nullptr, &ui_, &clipboard_});
   editor_->LoadDefs(dir_.Path(L"Set"), L"winword", false);
   Do(L"Bold", C::PasteAsNext);
+  Do(L"Bold", C::PasteAsNext);  // a copy each time
   editor_->cmdOK_Click();
   Open();
   EXPECT_EQ(State(), kStart + L" [Application (notepad)]");
   editor_->LoadDefs(dir_.Path(L"Set"), L"winword", false);
-  EXPECT_EQ(ui_.Shape(), L"Application (winword)(Bold Edit(Copy))");
+  EXPECT_EQ(ui_.Shape(), L"Application (winword)(Bold Edit(Copy) Edit(Copy))");
 }
 
 // Closing a changed menu asks "Save changes?": Cancel keeps the window, No
