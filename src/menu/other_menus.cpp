@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "defs/hot_key.h"
 #include "platform/folders.h"
 #include "platform/list_order.h"
 #include "platform/string_table.h"
@@ -72,7 +73,9 @@ void cOtherMenus::Add(const MenuLocation& menu, const std::wstring* name) {
   WalkTree(
       *root,
       [&](const cMenuItem& item, size_t, int) {
-        if (item.HotKey == 0) return true;
+        // A display button whose code the profile lacks (or with no display
+        // named) is no key of the display: it clashes with nothing.
+        if (item.HotKey == 0 || static_cast<uint32_t>(item.HotKey) == hotkey::kBrailleBit) return true;
         std::vector<std::wstring>& names = users_[item.HotKey];
         if (!name)
           names.push_back(item.Caption);
