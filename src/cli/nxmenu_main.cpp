@@ -21,6 +21,7 @@
 #include "defs/def_text.h"
 #include "menu/menu_file.h"
 #include "menu/menu_help.h"
+#include "menu/other_menus.h"
 #include "platform/list_order.h"
 #include "platform/code_page.h"
 #include "platform/folders.h"
@@ -105,7 +106,9 @@ const std::map<std::string, std::string> kCommandHelp = {
      "Set\\*\\Command.mnu), and reports one line for each\n"
      "  hot key used by more than one item of the same menu,\n"
      "  pull-down item that carries an action or a hot key,\n"
-     "  menu file that does not read completely.\n"
+     "  menu file that does not read completely,\n"
+     "  hot key of an application's menu that shadows items of the general menu\n"
+     "  (the application's item wins; checked for an installation only).\n"
      "--braille NAME reads braille codes from NAME.ini beside each menu. Key names come\n"
      "from gKeyCode.def beside the menu or one folder up. Exit status 1 when anything\n"
      "was reported. A menu that is not in the form the menu editor writes (see\n"
@@ -363,8 +366,17 @@ std::wstring KeyTableFor(const std::wstring& menuPath) {
   return {};
 }
 
-// Reports the problems of one menu; returns how many.
-int CheckMenu(Tools& tools, const std::wstring& path, const std::wstring& displayName) {
+// The captions as a check line names them: "A", "B".
+std::string Quoted(const std::vector<std::wstring>& captions) {
+  std::string text;
+  for (size_t i = 0; i < captions.size(); ++i) text += (i ? ", \"" : "\"") + U8(captions[i]) + "\"";
+  return text;
+}
+
+// Reports the problems of one menu; returns how many. `general` (null for
+// the general menu itself, or a menu file alone) holds the general menu,
+// whose items an application's hot keys shadow.
+int CheckMenu(Tools& tools, const std::wstring& path, const std::wstring& displayName, cOtherMenus* general) {
   const std::wstring folder = ToFsPath(path).parent_path().wstring();
   const std::wstring braille = displayName.empty() ? L"" : (ToFsPath(folder) / (displayName + L".ini")).wstring();
   const std::wstring keys = KeyTableFor(path);
@@ -398,11 +410,16 @@ int CheckMenu(Tools& tools, const std::wstring& path, const std::wstring& displa
       },
       [](const cMenuItem&, size_t) {});
   for (const auto& [code, captions] : byKey) {
-    if (captions.size() < 2) continue;
-    std::string line = name + ": hot key " + U8(SafeKeyText(*tools.defs, keys, code)) + " is used by";
-    for (size_t i = 0; i < captions.size(); ++i) line += (i ? ", \"" : " \"") + U8(captions[i]) + "\"";
-    Out(line + "\n");
-    ++problems;
+    const std::string key = name + ": hot key " + U8(SafeKeyText(*tools.defs, keys, code));
+    if (captions.size() > 1) {
+      Out(key + " is used by " + Quoted(captions) + "\n");
+      ++problems;
+    }
+    const std::vector<std::wstring> shadowed = general ? general->GeneralItems(code) : std::vector<std::wstring>();
+    if (!shadowed.empty()) {
+      Out(key + " of " + Quoted(captions) + " shadows " + Quoted(shadowed) + " of the general menu\n");
+      ++problems;
+    }
   }
   return problems;
 }
@@ -422,7 +439,7 @@ int Check(const std::vector<std::wstring>& argv) {
       Err("nxmenu: " + U8(target) + ": no such menu file or installation\n");
       return 1;
     }
-    return CheckMenu(tools, target, display) ? 1 : 0;
+    return CheckMenu(tools, target, display, nullptr) ? 1 : 0;
   }
   const auto set = ToFsPath(target) / "Set";
   auto apps = ListSubfolders(set.wstring());
@@ -430,15 +447,17 @@ int Check(const std::vector<std::wstring>& argv) {
     Err("nxmenu: " + U8(target) + ": not an installation (no Set folder)\n");
     return 1;
   }
-  std::vector<std::wstring> menus;
-  if (PathExists((set / "Command.mnu").wstring())) menus.push_back((set / "Command.mnu").wstring());
+  // The general menu, read once for all the applications' menus.
+  cDefServer defs(*tools.page, *tools.profile, set.wstring() + L"\\");
+  cOtherMenus general(defs, {set.wstring(), L"", display, false});
+  int problems = 0;
+  if (PathExists((set / "Command.mnu").wstring()))
+    problems += CheckMenu(tools, (set / "Command.mnu").wstring(), display, nullptr);
   std::sort(apps->begin(), apps->end());
   for (const auto& app : *apps) {
     const auto menu = set / app / "Command.mnu";
-    if (PathExists(menu.wstring())) menus.push_back(menu.wstring());
+    if (PathExists(menu.wstring())) problems += CheckMenu(tools, menu.wstring(), display, &general);
   }
-  int problems = 0;
-  for (const auto& menu : menus) problems += CheckMenu(tools, menu, display);
   return problems ? 1 : 0;
 }
 

@@ -140,6 +140,7 @@ void fMenuDef::LoadDefs(const std::wstring& menuDir, const std::wstring& appName
   view_.SetTitle(ReplaceAll(LoadResText(kTitle), L"%1", appName));
   session_.gMenuDir = menuDir;
   general_ = general;
+  session_.gGeneralMenu = general;
   cMenuFile file = MenuFile();
   file.ItemCounter = IdBase();
   bool complete = true;

@@ -20,6 +20,7 @@ struct EditSession {
   std::wstring gMenuDir;
   std::wstring gAppName;
   std::wstring gBrailleName;
+  bool gGeneralMenu = false;  // the menu the editor loaded last is the general menu
 };
 
 }  // namespace nx

@@ -349,17 +349,26 @@ void fWizard::FillHotKey() {
 
 void fWizard::ShowCode(int32_t code, bool keepFocus) { view_.SetHotKeyText(defs_.KeyText(code), keepFocus); }
 
+// The other items of the menu with the key, then the other menus' (the
+// general menu's items, or the applications whose menus override it).
 void fWizard::ShowUsedBy() {
   std::wstring users;
-  if (root_ && item_ && item_->HotKey != 0) {
-    WalkTree(
-        *root_,
-        [&](const cMenuItem& other, size_t, int) {
-          if (&other != original_ && other.HotKey == item_->HotKey)
-            users += (users.empty() ? L"" : L", ") + other.Caption;
-          return true;
-        },
-        [](const cMenuItem&, size_t) {});
+  const auto add = [&users](const std::wstring& text) {
+    if (!text.empty()) users += (users.empty() ? L"" : L", ") + text;
+  };
+  if (item_ && item_->HotKey != 0) {
+    if (root_)
+      WalkTree(
+          *root_,
+          [&](const cMenuItem& other, size_t, int) {
+            if (&other != original_ && other.HotKey == item_->HotKey) add(other.Caption);
+            return true;
+          },
+          [](const cMenuItem&, size_t) {});
+    if (!others_)
+      others_ = std::make_unique<cOtherMenus>(
+          defs_, MenuLocation{session_.gMenuDir, session_.gAppName, session_.gBrailleName, session_.gGeneralMenu});
+    add(others_->Text(item_->HotKey));
   }
   view_.SetUsedBy(users);
 }

@@ -12,6 +12,7 @@
 #include "braille/braille_display.h"
 #include "defs/def_actions.h"
 #include "menu/menu_item.h"
+#include "menu/other_menus.h"
 #include "platform/code_page.h"
 #include "platform/prompts.h"
 #include "startup/edit_session.h"
@@ -195,6 +196,9 @@ class fWizard {
   WizardKind kind_ = WizardKind::PullDown;
   const cMenuItem* root_ = nullptr;
   const cMenuItem* original_ = nullptr;
+  // The installation's other menus, made when a key is first looked up and
+  // kept for the wizard's run, so that each menu is read once.
+  std::unique_ptr<cOtherMenus> others_;
   int page_ = 0;
   int response_ = 0;
   std::wstring captionBase_;

@@ -59,7 +59,13 @@ TEST(Nxmenu, AnswersAndExitCodes) {
       {L"braille.json", R"({"items": [{"caption": "A", "action": "Beep", "hotKey": 1073741829}]})"},
       {L"cz.json", R"({"items": [{"caption": "Žluťoučký kůň", "action": "SayLine"}]})"},
       {L"action.json", R"({"items": [{"caption": "Tools", "items": [{"caption": "Read", "action": "Přečti"}]}]})"},
+      {L"inst/Set/Command.mnu", Record(0, 0x20053, "Help") + Record(0, 0x40000000, "Dots", "Beep")},
+      {L"inst/Set/Focus.ini", "[Actions]\r\nBeep=5\r\n"},
+      {L"inst/Set/notepad/Command.mnu", Record(0, 0x20053, "Save all") + Record(0, 0x40000000, "Braille", "Beep")},
+      {L"inst/Set/notepad/Focus.ini", "[Actions]\r\nBeep=5\r\n"},
+      {L"lone/Set/notepad/Command.mnu", Record(0, 0x20053, "Save all")},  // no general menu
   };
+  for (const char* app : {"inst/Set/notepad", "lone/Set/notepad"}) std::filesystem::create_directories(dir.Fs() / app);
   for (const auto& [name, bytes] : files) dir.Write(name, bytes);
   std::filesystem::create_directory(dir.Fs() / "folder.ini");
   const std::string toOut = " " + d + "out.mnu", braille = "from-json " + d + "braille.json ";
@@ -101,6 +107,11 @@ TEST(Nxmenu, AnswersAndExitCodes) {
       {"check " + d + "dup.mnu", 1, "pull-down \"Tools\" carries the hot key key(65)"},
       {"check " + d + "dup.mnu", 1, "hot key key(66) is used by \"A\", \"B\""},
       {"check " + d + "cut.mnu", 1, "does not read completely"},
+      // An application's key hides the general menu's items that have it.
+      {"check " + d + "inst --braille Focus", 1,
+       d + "inst/Set/notepad/Command.mnu: hot key C+key(83) of \"Save all\" shadows \"Help\" of the general menu\n"},
+      {"check " + d + "inst --braille Focus", 1, "hot key [H1+H4] of \"Braille\" shadows \"Dots\" of the general menu"},
+      {"check " + d + "lone", 0, ""},
       {"to-json " + d + "cut.mnu", 1, "\"complete\": false"},
       // A failed write says why; a profile that is there but cannot be read
       // stops it before anything is written.

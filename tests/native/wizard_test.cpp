@@ -6,6 +6,7 @@
 
 #include "braille/koral.h"
 #include "fake_koral.h"
+#include "menu_records.h"
 #include "platform/text.h"
 #include "startup/settings.h"
 #include "temp_folder.h"
@@ -229,10 +230,20 @@ TEST_F(WizardTest, ScriptButtons) {
 }
 
 // Keys are captured and named with the other items that have them (the item
-// being changed does not count); Tab, Shift+Tab and modifiers alone leave
-// the key as it is. Display buttons are captured too; the Braille box
-// switches a code between key and button.
+// being changed does not count), then with the general menu's items, display
+// buttons by the display's profile beside it; Tab, Shift+Tab and modifiers
+// alone leave the key as it is. Display buttons are captured too; the
+// Braille box switches a code between key and button.
 TEST_F(WizardTest, HotKeys) {
+  session_.gBrailleName = L"Focus";
+  // Seven applications have Narrix+J, twice; "a" has C+C too; bad's menu cannot be read.
+  for (std::wstring app : {L"g", L"B", L"c", L"d", L"e", L"f", L"a", L"bad\\Command.mnu"}) {
+    std::filesystem::create_directories(dir_.Fs() / "Set" / ReplaceAll(app, L"\\", L"/"));
+    dir_.Write(L"Set\\" + app + L"\\Command.mnu",
+               Record(0, 0x2000004A, "J") + Record(0, app == L"a" ? 0x20043 : 0x2000004A, "K"));
+  }
+  dir_.Write(L"Set\\Command.mnu", Record(0, 0x20043, "Help") + Record(0, 0x40000000, "Dots", "Beep"));
+  dir_.Write(L"Set\\Focus.ini", "[Actions]\r\nBeep=5\r\n");
   auto root = cMenuItem::New();
   for (auto [caption, key] : {std::pair{L"Open", 0x00020043}, {L"Copy", 0x00020043}, {L"Other", 0x00020044}})
     root->SubItems.Add(1, root.get(), cMenuItem::New())->SetFields({caption, L"", key});
@@ -245,20 +256,20 @@ TEST_F(WizardTest, HotKeys) {
     std::set<int> held;
     const wchar_t* result;
   } presses[] = {
-      {16, 1, {}, L"[H1+H4] 40000005 braille no discard"},
-      {45, 0, {45}, L"[H1+H4] 40000005 braille no discard"},
-      {9, 0, {}, L"[H1+H4] 40000005 braille no discard"},
-      {9, 1, {}, L"[H1+H4] 40000005 braille no discard"},
-      {67, 2, {}, L"C+C 20043, also Copy"},
+      {16, 1, {}, L"[H1+H4] 40000005 braille no discard, also Dots (general menu)"},
+      {45, 0, {45}, L"[H1+H4] 40000005 braille no discard, also Dots (general menu)"},
+      {9, 0, {}, L"[H1+H4] 40000005 braille no discard, also Dots (general menu)"},
+      {9, 1, {}, L"[H1+H4] 40000005 braille no discard, also Dots (general menu)"},
+      {67, 2, {}, L"C+C 20043, also Copy, Help (general menu)"},
       {68, 2, {}, L"C+key(68) 20044, also Other"},
       {74, 0, {45}, L"Narrix+J 2000004A"},
       {116, 5, {145}, L"Narrix+A+S+F5 20050074"},
       {13, 0, {}, L"Enter D"},  // not Finish
       {27, 0, {}, L"Esc 1B"},   // not Cancel
-      {kNormal, 5, {}, L"[H1+H4] 40000005 braille no discard"},
+      {kNormal, 5, {}, L"[H1+H4] 40000005 braille no discard, also Dots (general menu)"},
       {kCursorStatus, 3, {}, L"[] C0020003 braille no discard"},
       {kAuxStatus, 0x12345, {}, L"[] C0042345 braille no discard"},
-      {kBrailleOn, 0x00000005, {}, L"[H1+H4] 40000005 braille no discard"},
+      {kBrailleOn, 0x00000005, {}, L"[H1+H4] 40000005 braille no discard, also Dots (general menu)"},
       {kBrailleOff, static_cast<int>(0x4004007A), {}, L"A+key(122) 4007A"},
       {kBrailleOff, static_cast<int>(0xC0020003), {}, L"C+key(3) 20003"},
   };
@@ -288,6 +299,26 @@ TEST_F(WizardTest, HotKeys) {
     view_.checked[WizardControl::BrailleHook] = back;
     back ? Go("b") : wizard_->chkBrailleHook_Click(false);
     EXPECT_FALSE(wizard_->BrailleAttached() || view_.checked[WizardControl::BrailleHook]) << back;
+  }
+
+  // From the general menu: the applications whose menus have the key, in the
+  // list's order, each once, five named. Without menus, nobody.
+  const struct {
+    bool general;
+    const wchar_t* folder;
+    int32_t code;
+    const wchar_t* usedBy;
+  } menus[] = {
+      {true, L"Set", 0x2000004A, L"a, B, c, d, e and 2 more (applications)"},
+      {true, L"Set", 0x20043, L"a (application)"},
+      {true, L"None", 0x20043, L""},
+      {false, L"None", 0x20043, L""},
+  };
+  for (const auto& m : menus) {
+    session_.gGeneralMenu = m.general, session_.gMenuDir = dir_.Path(m.folder);
+    Restart(L"", m.code);
+    Go("ncnn");
+    EXPECT_EQ(view_.usedBy, m.usedBy) << m.general << m.folder;
   }
 }
 
