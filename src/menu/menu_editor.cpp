@@ -4,6 +4,7 @@
 
 #include "menu/edit/tree_commands.h"
 #include "menu/menu_help.h"
+#include "menu/other_menus.h"
 #include "platform/folders.h"
 #include "platform/keys.h"
 #include "platform/text.h"
@@ -21,7 +22,7 @@ constexpr int kPreview = 640, kDamaged = 641, kNotSaved = 642, kMoveUp = 643, kM
 constexpr int kTooDeepFile = 662, kBackupFailed = 666, kReasonUnknown = 667;
 constexpr int kUndoStep = 680, kRedoStep = 681, kUndoNone = 682, kRedoNone = 683, kNothingToUndo = 691;
 constexpr int kNothingToRedo = 692, kFindName = 693, kFindNext = 694, kFindPrevious = 695, kFindKey = 696;
-constexpr int kFindTitle = 697, kFindLabel = 698, kNoName = 699, kNoKey = 732, kNoItems = 734;
+constexpr int kFindTitle = 697, kFindLabel = 698, kNoName = 699, kNoKey = 732, kAlsoGeneral = 733, kNoItems = 734;
 
 // The words for each kind of step in the captions of Undo and Redo.
 int StepText(StepKind kind) {
@@ -465,7 +466,13 @@ std::wstring fMenuDef::FindByKey(int32_t code) {
     Show(*found);
     return {};
   }
-  return LoadResText(kNoKey, HotKeyText(code));
+  std::wstring text = LoadResText(kNoKey, HotKeyText(code));
+  if (general_) return text;
+  std::wstring users;
+  for (const auto& caption : cOtherMenus(services_.defs, Location()).GeneralItems(code))
+    users += (users.empty() ? L"\"" : L", \"") + caption + L"\"";
+  if (!users.empty()) text += L" " + LoadResText(kAlsoGeneral, users);
+  return text;
 }
 
 IBrailleDisplay* fMenuDef::Braille() const {

@@ -390,7 +390,9 @@ TEST_F(MenuEditorTest, FindAndPasteIntoAnotherMenu) {
   EXPECT_EQ(editor_->FindByKey(0x00020051), L"");
   EXPECT_EQ(editor_->FindByKey(0x00020051), L"");  // the only one
   EXPECT_EQ(State(), kStart + L" [Quit]");
-  EXPECT_EQ(editor_->FindByKey(0x00020052), L"No item of this menu has the hot key C+key(82).");
+  dir_.Write(L"Set\\Command.mnu", Record(0, 0x00020052, "Help"));
+  EXPECT_EQ(editor_->FindByKey(0x00020052),
+            L"No item of this menu has the hot key C+key(82). Also used in the general menu by \"Help\"");
 
   Do(L"Edit", C::Cut);
   std::filesystem::create_directories(dir_.Fs() / "Set" / "winword");
