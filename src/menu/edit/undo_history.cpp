@@ -65,7 +65,7 @@ void UndoHistory::Commit() {
   step.caption = step.subject->Caption;
   step.serial = ++serial_;
   done_.push_back(std::move(step));
-  undone_.clear();
+  undone_.clear();  // a new change ends what could be redone
   if (done_.size() > kMaxSteps) done_.pop_front();
 }
 
