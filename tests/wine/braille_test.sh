@@ -4,7 +4,8 @@
 # setting.ini): the editor takes the display's description as its profile
 # name; in the wizard, "Braille keys" attaches the display, and buttons are
 # captured while the focus is in the hot-key field only; the saved menu marks
-# the item as a braille button and the display profile holds its code. Case
+# the item as a braille button and the display profile holds its code, and
+# find by hot key (Ctrl+K) finds the item by its button. Case
 # "off": the display is never opened and no button reaches the wizard.
 # Usage: braille_test.sh BIN_DIR NATIVE_NXMENU DEMO_DIR WORK_DIR on|off
 set -u
@@ -101,6 +102,14 @@ else
 fi
 press Return  # Finish
 expect_line "the new item" editor "$editor" "name: Braille item"
+if [ "$CASE" = on ]; then
+  # Find by hot key takes the program's display's buttons in its field.
+  press Home; press ctrl+k
+  probe visible "Find by hot key" 20000 | grep -q . || fail "no find-by-hot-key window after Ctrl+K"
+  button normal 5 >/dev/null
+  expect_line "a display button in Ctrl+K's field finds its item" editor "$editor" "name: Braille item"
+  expect_line "the window gone, the focus back in the tree" editor "$editor" "focus: 1103"
+fi
 press Escape
 expect_line "closing asks to save" message "Narrix - Screen Reader" "text: Save changes?"
 press Return
