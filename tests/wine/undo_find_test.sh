@@ -7,9 +7,9 @@
 # and closes; a hot key nobody has is said in the dialog, which stays with the
 # focus in the field (Tab reaches Cancel). Ctrl+F finds by part of the name
 # under a closed pull-down, F3 and Shift+F3 go on; a text nobody has gets its
-# message. An item copied in the notepad menu is pasted into the winword menu
-# opened afterwards from the list, and saved there; notepad's file stays as it
-# was. Both menus are checked through `nxmenu to-json`.
+# message. An item cut in the notepad menu, which is then closed, is pasted
+# as a copy into the winword menu opened afterwards from the list, and saved
+# there; notepad's file stays as it was. Both menus are checked through `nxmenu to-json`.
 # Usage: undo_find_test.sh BIN_DIR NATIVE_NXMENU DEMO_DIR WORK_DIR english|czech
 set -u
 BIN=$(cd "$1" && pwd); NXMENU=$2; DEMO=$(cd "$3" && pwd); WORK=$4; CASE=$5
@@ -169,8 +169,8 @@ press Return
 expect "after the message the focus is in the tree" "name: Current word
 focus: 1103"
 
-# 4. Copy Read, close the editor (nothing to save), paste into winword.
-press Home; press Down; press ctrl+c
+# 4. Cut Read, close the editor (nothing to save), paste into winword.
+press Home; press Down; press ctrl+x
 press Escape
 [ "$(list_state)" = "selected: 2 focus: 1003" ] || fail "Escape with nothing changed: not back in the list: $(list_state)"
 cmp -s "$notepad" "$WORK/notepad.mnu" || fail "notepad's file changed"
