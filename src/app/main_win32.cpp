@@ -99,8 +99,10 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int) {
   // The braille display is opened by the first menu loaded and kept; it is
   // closed before COM goes.
   std::unique_ptr<nx::IBrailleDisplay> braille;
-  MenuEditorLauncher editor(
-      instance, nx::MenuEditorServices{session, info, defs, profile, menus, braille, &brailleOpener, &wizard});
+  // What is copied or cut in one menu can be pasted into the next one opened.
+  nx::EditorClipboard clipboard;
+  MenuEditorLauncher editor(instance, nx::MenuEditorServices{session, info, defs, profile, menus, braille,
+                                                             &brailleOpener, &wizard, &clipboard});
   nx::FileSystemFolderOps folders;
   nx::Win32RunningApps runningApps;
   const nx::ICodePage& codePage = nx::SystemCodePage();
