@@ -266,6 +266,8 @@ TEST_F(MenuEditorTest, PlacingAsksWhereAndAboutPullDowns) {
        L"File(Open(Quit) Save) Edit(Copy) [Quit] *" + kSub + L" | Item Open" + pullDown},
       {L"Quit", C::Cut, kTop, C::Paste, "", L"Quit File(Open Save) Edit(Copy) [Quit] *"},
       {L"Quit", C::Copy, nullptr, C::PasteAsNext, "", kStart + L" [(none)]"},
+      {nullptr, C::Copy, L"Quit", C::Paste, "o",
+       kStart + L" [Quit] | Nothing has been copied or cut yet, so there is nothing to paste."},
       {L"Quit", C::Copy, nullptr, C::Paste, "", L"Quit " + kStart + L" [Quit] *"},
       {kTop, C::Cut, L"Quit", C::PasteAsNext, "", kStart + L" [Quit]"},
       {L"File", C::Copy, L"Quit", C::PasteAsNext, "", kStart + L" File(Open Save) [File] *"},
@@ -396,17 +398,16 @@ TEST_F(MenuEditorTest, FindAndPasteIntoAnotherMenu) {
 
   Do(L"Edit", C::Cut);
   std::filesystem::create_directories(dir_.Fs() / "Set" / "winword");
-  dir_.Write(L"Set\\winword\\Command.mnu", Record(0, 0, "Bold"));
   editor_ = std::make_unique<fMenuDef>(
       ui_, ui_, MenuEditorServices{session_, info_, defs_, profile_, ui_, braille_, nullptr, &ui_, &clipboard_});
   editor_->LoadDefs(dir_.Path(L"Set"), L"winword", false);
-  Do(L"Bold", C::PasteAsNext);
-  Do(L"Bold", C::PasteAsNext);  // a copy each time
+  Do(nullptr, C::Paste);        // a menu without a file gets its top node
+  Do(L"Edit", C::PasteAsNext);  // a copy each time
   editor_->cmdOK_Click();
   Open();
   EXPECT_EQ(State(), kStart + L" [Application (notepad)]");
   editor_->LoadDefs(dir_.Path(L"Set"), L"winword", false);
-  EXPECT_EQ(ui_.Shape(), L"Application (winword)(Bold Edit(Copy) Edit(Copy))");
+  EXPECT_EQ(ui_.Shape(), L"Application (winword)(Edit(Copy) Edit(Copy))");
 }
 
 // Closing a changed menu asks "Save changes?": Cancel keeps the window, No

@@ -17,6 +17,7 @@ namespace {
 
 constexpr int kNewItem = 704, kPullDownQuestion = 630, kSubitemQuestion = 631, kWholeMenuQuestion = 632;
 constexpr int kRemoveQuestion = 633, kRemoveAllQuestion = 634, kPasteIntoItself = 661, kTooDeep = 663;
+constexpr int kNothingHeld = 735;
 // Yes/No with No as the default; Yes/No/Cancel with No as the default.
 constexpr unsigned kYesNoDefaultNo = mb::kYesNo | mb::kIconQuestion | mb::kDefaultButton2;
 constexpr unsigned kYesNoCancelDefaultNo = mb::kYesNoCancel | mb::kIconQuestion | mb::kDefaultButton2;
@@ -96,9 +97,13 @@ bool fMenuDef::PasteRefused(const Placing& placing, const cMenuItem* target, boo
 void fMenuDef::mnuTreePaste_Click() { Paste(Held()); }
 
 void fMenuDef::Paste(const Placing& placing) {
+  if (!placing.item) {
+    Tell(LoadResText(kNothingHeld));
+    return;
+  }
+  if (tooDeep_) return;
   cMenuItem* target = PasteTarget();
-  if (!target || !placing.item) return;
-  if (target == root_.get()) {
+  if (!target || target == root_.get()) {
     PasteAt(placing, target, true);
     return;
   }
@@ -129,6 +134,16 @@ void fMenuDef::mnuTreePasteAsChild_Click() {
 
 void fMenuDef::PasteAt(const Placing& placing, cMenuItem* target, bool asChild) {
   if (PasteRefused(placing, target, asChild)) return;
+  if (!target) {
+    // A menu without a file gets its top node with its first item.
+    MenuItemPtr item = placing.move ? placing.item : DeepCopy(*placing.item);
+    history_.Begin(placing.kind, *item);
+    history_.SetRoot(cMenuItem::New());
+    CaptionRoot();
+    history_.Insert(*root_, 0, item);
+    Changed(item.get());
+    return;
+  }
   const bool pullDown = asChild && (!target->Action.empty() || target->HotKey != 0);
   if (pullDown && prompts_.Message(LoadResText(kPullDownQuestion, target->Caption), kYesNoDefaultNo,
                                    LoadResText(kProductTitle)) != mb::kIdYes)
@@ -222,17 +237,7 @@ void fMenuDef::mnuNew_Click() {
   if (!described) return;
   MenuItemPtr item = cMenuItem::New();
   item->SetFields(*described);
-  if (root_) {
-    Paste({item, true, StepKind::New});
-    return;
-  }
-  // The first item of a menu that has no file yet brings the top node.
-  MenuItemPtr top = cMenuItem::New();
-  history_.Begin(StepKind::New, *item);
-  history_.SetRoot(top);
-  CaptionRoot();
-  history_.Insert(*top, 0, item);
-  Changed(item.get());
+  Paste({item, true, StepKind::New});
 }
 
 void fMenuDef::trvMenu_GotFocus() {
