@@ -50,17 +50,7 @@ else
 fi
 BOX_TITLE="Narrix - Screen Reader"
 
-failures=0
-fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
-editor() { nx_probe "$BIN/nxprobe.exe" editor "$TITLE" 20000; }
-# expect "what" "lines that must all appear in the editor's state"
-expect() {
-  local state; state=$(editor)
-  while IFS= read -r line; do
-    grep -qxF -- "$line" <<<"$state" || { fail "$1: no '$line' in"; sed 's/^/    /' <<<"$state"; return; }
-  done <<<"$2"
-}
-press() { sleep 0.6; xdotool key "$@"; }
+source "$HERE/journey.sh"
 # Waits for a pop-up menu before the next key goes to it.
 popup() { timeout 60 wine "$BIN/nxprobe.exe" popup - 20000 >/dev/null 2>&1 || fail "no pop-up menu after $1"; }
 # A pop-up menu that shows up within 2 s, after one was closed, is one too many.
@@ -75,18 +65,6 @@ message() {
   done
   fail "$1"; sed 's/^/    /' <<<"$got"
 }
-# Waits up to 20 s for a message box that holds the text "$2".
-told() {
-  local got
-  for _ in $(seq 1 20); do
-    got=$(nx_probe "$BIN/nxprobe.exe" message "$BOX_TITLE" 20000)
-    grep -qF -- "$2" <<<"$got" && return
-    sleep 1
-  done
-  fail "$1"; sed 's/^/    /' <<<"$got"
-}
-# The texts of the visible nodes of the tree, in order, on one line.
-tree() { nx_probe "$BIN/nxprobe.exe" nodes "$TITLE" 20000 | cut -d' ' -f3- | paste -sd'|'; }
 # "enabled: yes" or "enabled: no" of the window titled by the argument file $1.
 enabled() { nx_probe "$BIN/nxprobe.exe" active "$1" 20000 | grep '^enabled:'; }
 

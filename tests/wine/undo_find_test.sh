@@ -37,29 +37,8 @@ else
 fi
 BOX_TITLE="Narrix - Screen Reader"
 
-failures=0
-fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
-# expect "what" "lines that must all appear in the editor's state"
-expect() {
-  local state; state=$(nx_probe "$BIN/nxprobe.exe" editor "$TITLE" 20000)
-  while IFS= read -r line; do
-    grep -qxF -- "$line" <<<"$state" || { fail "$1: no '$line' in"; sed 's/^/    /' <<<"$state"; return; }
-  done <<<"$2"
-}
-press() { sleep 0.6; xdotool key "$@"; }
+source "$HERE/journey.sh"
 type_text() { sleep 0.6; LC_ALL=C.UTF-8 xdotool type --delay 60 "$1"; }
-# Waits up to about 30 s for a message box that holds the line "$2".
-told() {
-  local got end=$((SECONDS + 30))
-  while [ "$SECONDS" -lt "$end" ]; do
-    got=$(nx_probe "$BIN/nxprobe.exe" message "$BOX_TITLE" 10000)
-    grep -qxF -- "$2" <<<"$got" && return
-    sleep 1
-  done
-  fail "$1"; sed 's/^/    /' <<<"$got"
-}
-# The texts of the visible nodes of the tree, in order, on one line.
-tree() { nx_probe "$BIN/nxprobe.exe" nodes "$TITLE" 20000 | cut -d' ' -f3- | paste -sd'|'; }
 # The shown controls of the window titled by the argument file $1, then its focus.
 controls() {
   nx_probe "$BIN/nxprobe.exe" visible "$1" 20000
