@@ -105,7 +105,7 @@ void fMenuDef::Form_Load() {
   pasteChildTemplate_ = LoadResText(kPasteChild);
   view_.SetCommandText(EditorCommand::PasteAsNext, pasteNextTemplate_);
   view_.SetCommandText(EditorCommand::PasteAsChild, pasteChildTemplate_);
-  SetDirty(false);
+  ShowDirty();
 }
 
 MenuLocation fMenuDef::Location() const {
@@ -120,10 +120,7 @@ cMenuFile fMenuDef::MenuFile() const { return cMenuFile(services_.defs.CodePage(
 
 std::wstring fMenuDef::HotKeyText(int32_t code) const { return services_.defs.KeyText(code); }
 
-void fMenuDef::SetDirty(bool dirty) {
-  dirty_ = dirty;
-  view_.EnableApply(dirty);
-}
+void fMenuDef::ShowDirty() { view_.EnableApply(Dirty()); }
 
 void fMenuDef::CaptionRoot() {
   if (root_) root_->Caption = general_ ? LoadResText(kGeneral) : LoadResText(kApplication, session_.gAppName);
@@ -136,7 +133,6 @@ void fMenuDef::LoadDefs(const std::wstring& menuDir, const std::wstring& appName
     if (services_.braille && session_.gBrailleName.empty() && services_.braille->isValid())
       session_.gBrailleName = services_.braille->BrailleDescription();
   }
-  SetDirty(false);
   session_.gAppName = appName;
   view_.SetTitle(ReplaceAll(LoadResText(kTitle), L"%1", appName));
   session_.gMenuDir = menuDir;
@@ -152,6 +148,7 @@ void fMenuDef::LoadDefs(const std::wstring& menuDir, const std::wstring& appName
   if (tooDeep_) root_.reset();
   damaged_ = !complete && !tooDeep_;
   history_.Clear();
+  ShowDirty();
   backedUp_ = false;
   CaptionRoot();
   if (!session_.gBrailleName.empty()) services_.defs.DefActions().InitBrailleKeyMap(BraillePath());
@@ -271,6 +268,7 @@ bool fMenuDef::Save() {
     std::error_code ignored;
     std::filesystem::remove(ToFsPath(path), ignored);
     history_.MarkSaved();
+    ShowDirty();
     return true;
   }
   WriteFailure failed;
@@ -279,29 +277,24 @@ bool fMenuDef::Save() {
     return false;
   }
   history_.MarkSaved();
+  ShowDirty();
   return true;
 }
 
-void fMenuDef::cmdApply_Click() {
-  if (Save()) SetDirty(false);
-}
+void fMenuDef::cmdApply_Click() { Save(); }
 
 void fMenuDef::cmdOK_Click() {
-  if (!Save()) return;
-  SetDirty(false);
-  view_.Close();
+  if (Save()) view_.Close();
 }
 
 void fMenuDef::cmdCancel_Click() { view_.Close(); }
 
 bool fMenuDef::Form_QueryUnload() {
-  if (!dirty_) return true;
+  if (!Dirty()) return true;
   const int answer =
       prompts_.Message(LoadResText(kSaveQuestion), mb::kYesNoCancel | mb::kIconQuestion, LoadResText(kProductTitle));
   if (answer == mb::kIdYes) {
-    if (!Save()) return false;
-    SetDirty(false);
-    return true;
+    return Save();
   }
   return answer == mb::kIdNo;
 }
@@ -390,7 +383,7 @@ void fMenuDef::Changed(const cMenuItem* item) {
   history_.Commit();
   Refresh(item);
   if (!item) view_.SetFields(L"", L"", L"");
-  SetDirty(!history_.AtSaved());
+  ShowDirty();
 }
 
 void fMenuDef::Undo(bool redo) {
@@ -401,7 +394,7 @@ void fMenuDef::Undo(bool redo) {
   const cMenuItem* item = redo ? history_.Redo() : history_.Undo();
   Refresh(item);
   if (!item) view_.SetFields(L"", L"", L"");
-  SetDirty(!history_.AtSaved());
+  ShowDirty();
 }
 
 void fMenuDef::Show(const cMenuItem& item) {

@@ -191,7 +191,9 @@ class fMenuDef {
   // The program's braille display, when one is open (null: none).
   IBrailleDisplay* Braille() const;
 
-  bool Dirty() const { return dirty_; }
+  // Whether the menu differs from its file: a change made, and not undone,
+  // since the last save or opening.
+  bool Dirty() const { return !history_.AtSaved(); }
   const MenuItemPtr& Root() const { return root_; }
 
  private:
@@ -202,7 +204,8 @@ class fMenuDef {
   int32_t IdBase() const { return general_ ? 128 : 256; }
   std::wstring Title() const;
   std::wstring HotKeyText(int32_t code) const;
-  void SetDirty(bool dirty);
+  // Apply is available exactly when the menu is changed.
+  void ShowDirty();
   void FillTree();
   // Refills the view from the tree with its drawing suspended; the preview is
   // available exactly when there is a node.
@@ -250,7 +253,6 @@ class fMenuDef {
   EditSession& session_;
   MenuItemPtr root_;
   bool general_ = false;
-  bool dirty_ = false;
   bool damaged_ = false;   // the file did not read completely
   bool backedUp_ = false;  // the damaged original is kept as .bak
   bool damageToReport_ = false;

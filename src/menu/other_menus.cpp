@@ -28,10 +28,6 @@ std::vector<std::wstring> cOtherMenus::GeneralItems(int32_t code) {
   return edited_.general ? std::vector<std::wstring>() : Users(code);
 }
 
-std::vector<std::wstring> cOtherMenus::OverridingApps(int32_t code) {
-  return edited_.general ? Users(code) : std::vector<std::wstring>();
-}
-
 std::wstring cOtherMenus::Text(int32_t code) {
   const std::vector<std::wstring> names = Users(code);
   if (names.empty()) return {};

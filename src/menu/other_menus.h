@@ -26,9 +26,6 @@ class cOtherMenus {
   // Captions of the general menu's items with `code`, in tree order (empty
   // when the general menu is edited, or code 0).
   std::vector<std::wstring> GeneralItems(int32_t code);
-  // Names of the applications whose menus hold `code`, in the application
-  // list's order (empty when an application's menu is edited, or code 0).
-  std::vector<std::wstring> OverridingApps(int32_t code);
   // The other menus' part of the wizard's "Also used by" line: the general
   // menu's items with `code`, or the first five applications that hold it
   // and how many more; "" when none.
